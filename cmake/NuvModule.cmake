@@ -1,0 +1,22 @@
+# nuv_add_module(<name> HEADERS <public>... SOURCES <file>... [PUBLIC_LIBRARIES ...] [PRIVATE_LIBRARIES ...])
+#
+# One module of the product: the shared library lib<name>.so, built from the folder of the same name, known as
+# Nuv::<name> in the build tree and when installed. Only what its export macro marks is visible.
+function(nuv_add_module name)
+  cmake_parse_arguments(PARSE_ARGV 1 module "" "" "HEADERS;SOURCES;PUBLIC_LIBRARIES;PRIVATE_LIBRARIES")
+  add_library(${name} SHARED ${module_SOURCES})
+  add_library(Nuv::${name} ALIAS ${name})
+  target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${module_HEADERS})
+  target_compile_features(${name} PUBLIC cxx_std_20)
+  target_link_libraries(${name} PUBLIC ${module_PUBLIC_LIBRARIES} PRIVATE ${module_PRIVATE_LIBRARIES} nuv_options)
+  set_target_properties(${name} PROPERTIES
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR}
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+  target_link_options(${name} PRIVATE $<$<NOT:$<BOOL:${NUV_SANITIZE}>>:-Wl,--no-undefined>)
+  install(TARGETS ${name}
+    EXPORT NuvXMLUtilsTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+endfunction()
