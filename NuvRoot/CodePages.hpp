@@ -1,0 +1,32 @@
+/// @file
+/// Conversion between code pages and UTF-16, below UniString and the converters. Private to NuvRoot.
+#pragma once
+
+#include "NuvRoot/UniString.hpp"
+
+#include <string>
+#include <string_view>
+
+namespace Nuv::CodePages
+{
+
+enum class OnLoss
+{
+    Replace, ///< one replacement for each character that the code page lacks
+    Fail     ///< nothing may be lost
+};
+
+/// Whether `text` is ASCII and the code page holds ASCII as it is, so that each byte is one unit of the same
+/// value and the conversion needs no converter.
+bool IsPlainASCII(std::string_view text, NuvCharCode code);
+
+/// Undecodable bytes become U+FFFD.
+std::u16string Decode(std::string_view text, NuvCharCode code);
+
+/// Appends the encoded text to `out`; false, with `out` in any state, when a character is lost under
+/// OnLoss::Fail.
+/// @param utf8Replacement stands for half a surrogate pair in UTF-8; other code pages replace by `?`
+bool Encode(std::u16string_view text, NuvCharCode code, OnLoss onLoss, std::string& out,
+            char32_t utf8Replacement = U'?');
+
+} // namespace Nuv::CodePages
