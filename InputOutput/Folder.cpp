@@ -1,0 +1,54 @@
+#include "InputOutput/Folder.hpp"
+
+#include "InputOutput/SystemErrors.hpp"
+
+#include <iterator>
+#include <random>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace IO
+{
+namespace
+{
+
+/// Lower-case letters and digits, so that names differ on file systems without regard to case too.
+Nuv::UniString RandomSuffix(std::random_device& source)
+{
+    static constexpr Nuv::UniChar Characters[] = u"0123456789abcdefghijklmnopqrstuvwxyz";
+    std::uniform_int_distribution<size_t> anyCharacter(0, std::size(Characters) - 2);
+    Nuv::UniString suffix;
+    for (int i = 0; i < 12; ++i)
+        suffix += Characters[anyCharacter(source)];
+    return suffix;
+}
+
+} // namespace
+
+Folder::Folder(const Location& folder)
+    : location(folder)
+{
+}
+
+int Folder::GenerateUnusedName(const Nuv::UniString& prefix, Name& name) const
+{
+    struct stat properties;
+    if (stat(location.ToNativePath().c_str(), &properties) != 0)
+        return CodeOfLastError();
+    if (!S_ISDIR(properties.st_mode))
+        return NotFound;
+    std::random_device source;
+    for (;;)
+    {
+        const Name candidate(prefix + RandomSuffix(source));
+        Location file = location;
+        file.AppendToLocal(candidate);
+        if (access(file.ToNativePath().c_str(), F_OK) == 0)
+            continue;
+        name = candidate;
+        return NoError;
+    }
+}
+
+} // namespace IO

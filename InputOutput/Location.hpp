@@ -1,0 +1,55 @@
+#pragma once
+
+#include "InputOutput/Export.hpp"
+#include "InputOutput/Name.hpp"
+#include "InputOutput/RelativeLocation.hpp"
+#include "NuvRoot/UniString.hpp"
+
+#include <string>
+
+namespace IO
+{
+
+/// Where a file or folder is, or nowhere (empty). Names in the file system are UTF-8, whatever the local code
+/// page is. Nothing here touches the file system but ToURL, which needs the current folder for relative
+/// paths.
+class INPUTOUTPUT_API Location
+{
+  public:
+    Location() = default;
+    explicit Location(const Nuv::UniString& pathOrURL);
+
+    /// Takes a path as it stands, or a `file:` URL (RFC 8089; `file:///a`, `file://localhost/a` and `file:/a`
+    /// mean the same), whose percent-encoded bytes are decoded. A `%` that two hexadecimal digits do not
+    /// follow stands for itself, and so do `?` and `#`.
+    void Set(const Nuv::UniString& pathOrURL);
+
+    bool IsEmpty() const { return path.IsEmpty(); }
+
+    /// The path as it was given; relative paths stay relative.
+    const Nuv::UniString& ToPath() const { return path; }
+
+    /// The path as UTF-8, as the operating system takes it.
+    std::string ToNativePath() const { return path.ToUTF8(); }
+
+    /// `file:///...` of the absolute path, percent-encoded UTF-8. Set gives the same path back. An empty
+    /// location has an empty URL.
+    Nuv::UniString ToURL() const;
+
+    /// The path, for messages; empty for an empty location.
+    const Nuv::UniString& ToLogText() const { return path; }
+
+    /// Goes down to `name`; from an empty location, to the relative path `name`.
+    void AppendToLocal(const Name& name);
+    void AppendToLocal(const RelativeLocation& location);
+
+    /// The last name of the path; false, with `name` untouched, when there is none.
+    bool GetLastLocalName(Name& name) const;
+
+    friend bool operator==(const Location& left, const Location& right) { return left.path == right.path; }
+
+  private:
+    Nuv::UniString path;
+};
+
+} // namespace IO

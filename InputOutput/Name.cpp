@@ -1,0 +1,17 @@
+#include "InputOutput/Name.hpp"
+
+namespace IO
+{
+
+Name::Name(const Nuv::UniString& name)
+    : text(name)
+{
+}
+
+void Name::AppendExtension(const Nuv::UniString& extension)
+{
+    text += u'.';
+    text += extension;
+}
+
+} // namespace IO
