@@ -233,6 +233,7 @@ NUVROOT_API int CHUnicode2ANSI(const UniChar* units, int length, char* out, int 
 using Nuv::CHANSI2Unicode;
 using Nuv::CHUnicode2ANSI;
 
+/// @cond
 template <>
 struct std::hash<Nuv::UniString>
 {
@@ -241,3 +242,4 @@ struct std::hash<Nuv::UniString>
         return std::hash<std::u16string_view>()(text.View());
     }
 };
+/// @endcond

@@ -25,7 +25,6 @@ namespace
 using Nuv::UniString;
 using Persistence::BuildingElement;
 using Persistence::Project;
-using Persistence::Property;
 using Persistence::Storey;
 
 constexpr char LanguagesFile[] = "/usr/share/xml/iso-codes/iso_639-3.xml";
