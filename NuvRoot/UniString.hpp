@@ -58,6 +58,8 @@ NUVROOT_API bool EqualIgnoringCase(std::u16string_view left, std::u16string_view
 
 /// @}
 
+class UniString;
+
 /// One argument of UniString::Printf: remembers the type of what it was made from.
 class NUVROOT_API FormatArgument
 {
@@ -77,7 +79,7 @@ class NUVROOT_API FormatArgument
         , wide(text ? std::u16string_view(text) : std::u16string_view())
     {
     }
-    FormatArgument(const class UniString& text);
+    FormatArgument(const UniString& text);
 
     template <class Integer>
     requires std::is_integral_v<Integer> FormatArgument(Integer value)
