@@ -52,35 +52,17 @@ void Free(void* block)
 
 } // namespace
 
-void* operator new(std::size_t size)
-{
-    return Allocate(size);
-}
+void* operator new(std::size_t size) { return Allocate(size); }
 
-void* operator new[](std::size_t size)
-{
-    return Allocate(size);
-}
+void* operator new[](std::size_t size) { return Allocate(size); }
 
-void operator delete(void* block) noexcept
-{
-    Free(block);
-}
+void operator delete(void* block) noexcept { Free(block); }
 
-void operator delete[](void* block) noexcept
-{
-    Free(block);
-}
+void operator delete[](void* block) noexcept { Free(block); }
 
-void operator delete(void* block, std::size_t) noexcept
-{
-    Free(block);
-}
+void operator delete(void* block, std::size_t) noexcept { Free(block); }
 
-void operator delete[](void* block, std::size_t) noexcept
-{
-    Free(block);
-}
+void operator delete[](void* block, std::size_t) noexcept { Free(block); }
 
 namespace NuvTest::FailingAllocator
 {
@@ -99,19 +81,13 @@ bool Disarm()
     return failed;
 }
 
-long GetNumberOfBlocks()
-{
-    return blocks;
-}
+long GetNumberOfBlocks() { return blocks; }
 
 Pause::Pause()
     : wasArmed(armed.exchange(false))
 {
 }
 
-Pause::~Pause()
-{
-    armed = wasArmed;
-}
+Pause::~Pause() { armed = wasArmed; }
 
 } // namespace NuvTest::FailingAllocator

@@ -1,7 +1,7 @@
 /// @file
-/// Makes chosen allocations of the program fail. A test program that links FailingAllocator.cpp has its global
-/// operator new replaced, for all libraries that it uses; like the standard one it calls the new-handler, so that
-/// a failing `new` throws what it throws in the application.
+/// Makes chosen allocations of the program fail. A test program that links FailingAllocator.cpp has its
+/// global operator new replaced, for all libraries that it uses; like the standard one it calls the
+/// new-handler, so that a failing `new` throws what it throws in the application.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -41,8 +41,8 @@ class Pause
     bool wasArmed;
 };
 
-/// Runs `operation` again and again, with its first allocation failing, then its second and so on, until it runs
-/// through. The operation catches what it expects to be thrown.
+/// Runs `operation` again and again, with its first allocation failing, then its second and so on, until it
+/// runs through. The operation catches what it expects to be thrown.
 /// @return how many blocks each of these runs left behind
 template <class Operation>
 std::vector<long> LeaksOf(Operation operation, Mode mode)
@@ -53,7 +53,15 @@ std::vector<long> LeaksOf(Operation operation, Mode mode)
     {
         const long before = GetNumberOfBlocks();
         FailAt(static_cast<long>(leaks.size()) + 1, mode);
-        operation();
+        try
+        {
+            operation();
+        }
+        catch (...)
+        {
+            Disarm();
+            throw;
+        }
         hasFailed = Disarm();
         const long after = GetNumberOfBlocks();
         leaks.push_back(after - before);
@@ -69,8 +77,8 @@ void Sweep(Operation operation)
         EXPECT_THAT(LeaksOf(operation, mode), testing::Each(0));
 }
 
-/// The same where a library below is known to leave blocks behind when an allocation fails in it: expects that the
-/// operation leaves exactly those that the bare calls of that library leave.
+/// The same where a library below is known to leave blocks behind when an allocation fails in it: expects
+/// that the operation leaves exactly those that the bare calls of that library leave.
 template <class Operation, class BareCalls>
 void SweepBeside(BareCalls bareCalls, Operation operation)
 {
