@@ -14,7 +14,10 @@ function(nuv_add_module name)
     SOVERSION ${PROJECT_VERSION_MAJOR}
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON)
-  target_link_options(${name} PRIVATE $<$<NOT:$<BOOL:${NUV_SANITIZE}>>:-Wl,--no-undefined>)
+  # The sanitizers' runtime is in the program, so that a sanitized library lacks symbols.
+  if(NOT NUV_SANITIZE)
+    target_link_options(${name} PRIVATE -Wl,--no-undefined)
+  endif()
   install(TARGETS ${name}
     EXPORT NuvXMLUtilsTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
