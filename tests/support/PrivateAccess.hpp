@@ -1,10 +1,13 @@
 /// @file
-/// Lets a test call a private member whose behaviour is promised all the same. The language permits naming
-/// private members in an explicit instantiation:
+/// Lets a test call a private member whose behaviour is promised all the same: the language permits naming
+/// private members in an explicit instantiation.
 ///
-///     struct Count { using Member = int (Reader::*)(); friend Member Reveal(Count); };
-///     template struct NuvTest::Revealed<Count, &Reader::Count>;
-///     ... (reader.*Reveal(Count()))()
+///     namespace NuvTest
+///     {
+///     struct ReaderCount { using Member = int (Reader::*)(); friend Member Reveal(ReaderCount); };
+///     template struct Revealed<ReaderCount, &Reader::Count>;
+///     }
+///     ... (reader.*Reveal(NuvTest::ReaderCount()))()
 #pragma once
 
 namespace NuvTest
