@@ -106,7 +106,7 @@ TEST_F(BadInput, IsRefusedWhenItsEncodingIsUnknown)
 TEST_F(BadInput, IsRefusedWhenItsBytesAreNotOfItsEncoding)
 {
     ExpectToBeRefused(Write("<?xml version='1.0' encoding='UTF-8'?>\n<r>\xC3(</r>"), 1,
-                      u"invalid byte 2 ('(') of a 2-byte sequence");
+                      u"invalid byte '(' at position 2 of a 2-byte sequence");
     ExpectToBeRefused(Write("<?xml version='1.0' encoding='US-ASCII'?><r>\xC3\xBC</r>"), 1,
                       u"char 0xC3 is not representable in 'US-ASCII' encoding");
 }
