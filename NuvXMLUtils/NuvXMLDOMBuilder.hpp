@@ -34,8 +34,9 @@ class NUVXMLUTILS_API DOMBuilderException : public Nuv::RunTimeErrorException
 ///
 /// Operations that return `int` return Success unless they say otherwise. Exceptions of the DOM, for instance
 /// for a name that is no XML name, pass through to the caller, and so does Nuv::OutOfMemoryException; the
-/// call has then added no element or attribute. Text that XML cannot hold (control characters, half a
-/// surrogate pair) is taken, and refused by Export; a zero character ends the text.
+/// call may then be repeated, for it has added no element, and at most an empty attribute. Text that XML
+/// cannot hold (control characters, half a surrogate pair) is taken, and refused by Export; a zero character
+/// ends the text.
 ///
 /// Once the root element is closed, only white space can follow it: a value or a CDATA section then gives the
 /// DOM's HIERARCHY_REQUEST_ERR.
