@@ -6,13 +6,13 @@
 #include "NuvRoot/ValueText.hpp"
 #include "NuvXMLUtils/ChannelCursor.hpp"
 
-#include <xercesc/dom/DOMCDATASection.hpp>
 #include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/dom/DOMLSException.hpp>
 #include <xercesc/dom/DOMLSOutput.hpp>
 #include <xercesc/dom/DOMLSSerializer.hpp>
-#include <xercesc/dom/DOMText.hpp>
+#include <xercesc/dom/DOMLSSerializerFilter.hpp>
 #include <xercesc/framework/MemBufFormatTarget.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLChar.hpp>
 
@@ -35,13 +35,38 @@ constexpr XMLCh EncodingName[] = u"UTF-8";
 
 constexpr XMLCh LineFeed[] = u"\n";
 
+/// Calls Xerces, which turns a failing allocation into an exception of its own, and turns that back into the
+/// application's.
+template <class Call>
+auto WithOwnOutOfMemory(Call call)
+{
+    try
+    {
+        return call();
+    }
+    catch (const xercesc_3_0::OutOfMemoryException&)
+    {
+        throw Nuv::OutOfMemoryException();
+    }
+}
+
 /// Null when Xerces is not running.
 xercesc_3_0::DOMDocument* CreateDocument()
 {
     auto* implementation = xercesc_3_0::DOMImplementation::getImplementation();
-    return implementation ? implementation->createDocument(nullptr, nullptr, nullptr,
-                                                           xercesc_3_0::XMLPlatformUtils::fgMemoryManager)
-                          : nullptr;
+    if (!implementation)
+        return nullptr;
+    return WithOwnOutOfMemory(
+        [&]
+        {
+            return implementation->createDocument(nullptr, nullptr, nullptr,
+                                                  xercesc_3_0::XMLPlatformUtils::fgMemoryManager);
+        });
+}
+
+void Append(xercesc_3_0::DOMNode* parent, xercesc_3_0::DOMNode* child)
+{
+    WithOwnOutOfMemory([&] { parent->appendChild(child); });
 }
 
 xercesc_3_0::DOMDocument* CreateDocumentOrThrow(const char* message)
@@ -116,6 +141,37 @@ bool IsXMLText(std::u16string_view text)
     return true;
 }
 
+/// Lets everything through but CDATA sections with text that XML cannot hold: of these alone the serializer
+/// does not look at the text, and makes text that does not parse, or never returns.
+class CDATAGuard : public xercesc_3_0::DOMLSSerializerFilter
+{
+  public:
+    FilterAction acceptNode(const xercesc_3_0::DOMNode* section) const override
+    {
+        if (!IsXMLText(section->getNodeValue()))
+            throw DOMLSException(DOMLSException::SERIALIZE_ERR, 0,
+                                 xercesc_3_0::XMLPlatformUtils::fgMemoryManager);
+        return FILTER_ACCEPT;
+    }
+
+    ShowType getWhatToShow() const override { return xercesc_3_0::DOMNodeFilter::SHOW_CDATA_SECTION; }
+};
+
+void Serialise(const xercesc_3_0::DOMDocument& document, xercesc_3_0::XMLFormatTarget& target)
+{
+    auto* memoryManager = xercesc_3_0::XMLPlatformUtils::fgMemoryManager;
+    auto* implementation = xercesc_3_0::DOMImplementation::getImplementation();
+    const XercesPtr<xercesc_3_0::DOMLSOutput> output(implementation->createLSOutput(memoryManager));
+    output->setEncoding(EncodingName);
+    output->setByteStream(&target);
+    CDATAGuard guard;
+    const XercesPtr<xercesc_3_0::DOMLSSerializer> serializer(
+        implementation->createLSSerializer(memoryManager));
+    serializer->setFilter(&guard);
+    if (!serializer->write(&document, output.get()))
+        throw DOMLSException(DOMLSException::SERIALIZE_ERR, 0, memoryManager);
+}
+
 } // namespace
 
 NUVXML_DEFINE_EXCEPTION(DOMBuilderException)
@@ -181,25 +237,26 @@ int DOMBuilder::WriteStartDocument() { return Nuv::Success; }
 int DOMBuilder::WriteEndDocument()
 {
     if (autoTabs)
-        document->appendChild(document->createTextNode(LineFeed));
+        Append(document, CreateText(LineFeed));
     return Nuv::Success;
 }
 
 int DOMBuilder::WriteStartElement(const char* name)
 {
-    if (actualNode && !HasOpenElement())
+    if (IsRootClosed())
         return Nuv::Failure;
-    xercesc_3_0::DOMElement* element = document->createElement(NameText(name));
+    xercesc_3_0::DOMElement* element = CreateElement(name);
     if (actualNode)
     {
         WriteNewLineAndTabs(static_cast<unsigned int>(depth));
-        ActualNode()->appendChild(element);
+        Append(ActualNode(), element);
     }
     else
     {
-        document->appendChild(element);
-        if (autoTabs)
-            document->insertBefore(document->createTextNode(LineFeed), element);
+        xercesc_3_0::DOMText* lineFeed = autoTabs ? CreateText(LineFeed) : nullptr;
+        Append(document, element);
+        if (lineFeed)
+            document->insertBefore(lineFeed, element);
     }
     ++depth;
     elementIsEmpty = true;
@@ -209,14 +266,13 @@ int DOMBuilder::WriteStartElement(const char* name)
 
 int DOMBuilder::WriteEndElement()
 {
-    if (!HasOpenElement())
+    if (!actualNode || IsRootClosed())
         return Nuv::Failure;
-    if (depth > 0)
-        --depth;
-    if (elementIsEmpty)
-        elementIsEmpty = false;
-    else
-        WriteNewLineAndTabs(static_cast<unsigned int>(depth));
+    const int newDepth = depth > 0 ? depth - 1 : depth;
+    if (!elementIsEmpty)
+        WriteNewLineAndTabs(static_cast<unsigned int>(newDepth));
+    depth = newDepth;
+    elementIsEmpty = false;
     actualNode = AsCursor(ActualNode()->getParentNode());
     return Nuv::Success;
 }
@@ -230,11 +286,12 @@ int DOMBuilder::WriteXML(const char* name, const Nuv::UniString& value)
 {
     if (!actualNode)
         return Nuv::Failure;
-    xercesc_3_0::DOMElement* element = document->createElement(NameText(name));
-    if (replaceCR && value.View().find(u'\r') != std::u16string_view::npos)
-        element->appendChild(document->createTextNode(WithLineFeeds(value.View()).c_str()));
-    else if (!value.IsEmpty())
-        element->appendChild(document->createTextNode(value.ToUTF16()));
+    xercesc_3_0::DOMElement* element = CreateElement(name);
+    const std::u16string_view text = value.ToUTF16();
+    if (replaceCR && text.find(u'\r') != text.npos)
+        Append(element, CreateText(WithLineFeeds(text).c_str()));
+    else if (!text.empty())
+        Append(element, CreateText(text.data()));
     AppendToOpenElement(element);
     return Nuv::Success;
 }
@@ -263,7 +320,7 @@ int DOMBuilder::WriteXMLTextNode(const Nuv::UniString& text)
 {
     if (!actualNode)
         return Nuv::Failure;
-    AppendToOpenElement(document->createTextNode(text.ToUTF16()));
+    AppendToOpenElement(CreateText(text.ToUTF16()));
     return Nuv::Success;
 }
 
@@ -271,11 +328,10 @@ int DOMBuilder::WriteXMLCDATAString(const Nuv::UniString& text)
 {
     if (!actualNode)
         return Nuv::Failure;
-    holdsUnwritableCDATA = holdsUnwritableCDATA || !IsXMLText(text.View());
-    std::u16string_view rest = text.View();
-    AppendToOpenElement(document->createCDATASection(TakeCDATASection(rest).c_str()));
+    std::u16string_view rest = text.ToUTF16();
+    AppendToOpenElement(CreateCDATASection(TakeCDATASection(rest)));
     while (!rest.empty())
-        ActualNode()->appendChild(document->createCDATASection(TakeCDATASection(rest).c_str()));
+        Append(ActualNode(), CreateCDATASection(TakeCDATASection(rest)));
     return Nuv::Success;
 }
 
@@ -294,7 +350,7 @@ int DOMBuilder::WriteXMLAttr(const char* name, const Nuv::UniString& value)
 {
     if (!HasOpenElement())
         return Nuv::Failure;
-    actualNode->setAttribute(NameText(name), value.ToUTF16());
+    WithOwnOutOfMemory([&] { actualNode->setAttribute(NameText(name), value.ToUTF16()); });
     return Nuv::Success;
 }
 
@@ -386,7 +442,7 @@ void DOMBuilder::WriteNewLineAndTabs(unsigned int tabs)
     text[0] = u'\n';
     std::fill_n(text + 1, count, u'\t');
     text[count + 1] = u'\0';
-    ActualNode()->appendChild(document->createTextNode(text));
+    Append(ActualNode(), CreateText(text));
 }
 
 xercesc_3_0::DOMNode* DOMBuilder::ActualNode() const { return actualNode; }
@@ -396,30 +452,45 @@ bool DOMBuilder::HasOpenElement() const
     return actualNode && ActualNode()->getNodeType() == xercesc_3_0::DOMNode::ELEMENT_NODE;
 }
 
+bool DOMBuilder::IsRootClosed() const
+{
+    return actualNode && ActualNode()->getNodeType() == xercesc_3_0::DOMNode::DOCUMENT_NODE;
+}
+
+xercesc_3_0::DOMElement* DOMBuilder::CreateElement(const char* name)
+{
+    return WithOwnOutOfMemory([&] { return document->createElement(NameText(name)); });
+}
+
+xercesc_3_0::DOMText* DOMBuilder::CreateText(const XMLCh* text)
+{
+    return WithOwnOutOfMemory([&] { return document->createTextNode(text); });
+}
+
+xercesc_3_0::DOMCDATASection* DOMBuilder::CreateCDATASection(const std::u16string& text)
+{
+    return WithOwnOutOfMemory([&] { return document->createCDATASection(text.c_str()); });
+}
+
 /// The node begins a new line.
 void DOMBuilder::AppendToOpenElement(xercesc_3_0::DOMNode* node)
 {
-    elementIsEmpty = false;
     WriteNewLineAndTabs(static_cast<unsigned int>(depth));
-    ActualNode()->appendChild(node);
+    elementIsEmpty = false;
+    Append(ActualNode(), node);
 }
 
 template <class Sink>
 void DOMBuilder::ExportInternal(Sink sink)
 {
-    auto* memoryManager = xercesc_3_0::XMLPlatformUtils::fgMemoryManager;
-    if (holdsUnwritableCDATA) // of which the serializer would make text that does not parse, or never return
-        throw DOMLSException(DOMLSException::SERIALIZE_ERR, 0, memoryManager);
-    auto* implementation = xercesc_3_0::DOMImplementation::getImplementation();
-    const XercesPtr<xercesc_3_0::DOMLSOutput> output(implementation->createLSOutput(memoryManager));
-    xercesc_3_0::MemBufFormatTarget target(1023, memoryManager);
-    output->setEncoding(EncodingName);
-    output->setByteStream(&target);
-    const XercesPtr<xercesc_3_0::DOMLSSerializer> serializer(
-        implementation->createLSSerializer(memoryManager));
-    if (document && !serializer->write(document, output.get()))
-        throw DOMLSException(DOMLSException::SERIALIZE_ERR, 0, memoryManager);
-    sink(reinterpret_cast<const char*>(target.getRawBuffer()), static_cast<size_t>(target.getLen()));
+    WithOwnOutOfMemory(
+        [&]
+        {
+            xercesc_3_0::MemBufFormatTarget target(1023, xercesc_3_0::XMLPlatformUtils::fgMemoryManager);
+            if (document)
+                Serialise(*document, target);
+            sink(reinterpret_cast<const char*>(target.getRawBuffer()), static_cast<size_t>(target.getLen()));
+        });
 }
 
 /// Serialises before it touches the file, so that a document that cannot be exported costs no data.

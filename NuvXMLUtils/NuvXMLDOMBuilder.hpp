@@ -10,8 +10,12 @@
 #include "NuvXMLUtils/Export.hpp"
 #include "NuvXMLUtils/Xerces.hpp"
 
+#include <xercesc/dom/DOMCDATASection.hpp>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
+#include <xercesc/dom/DOMText.hpp>
+
+#include <string>
 
 namespace NuvXML
 {
@@ -30,8 +34,12 @@ class NUVXMLUTILS_API DOMBuilderException : public Nuv::RunTimeErrorException
 ///
 /// Operations that return `int` return Success unless they say otherwise. Exceptions of the DOM, for instance
 /// for a name that is no XML name, pass through to the caller, and so does Nuv::OutOfMemoryException; the
-/// call has then added no element or attribute. Text that XML cannot hold (control characters, half a
-/// surrogate pair) is taken, and refused by Export.
+/// call may then be repeated, for it has added no element, and at most an empty attribute. Text that XML
+/// cannot hold (control characters, half a surrogate pair) is taken, and refused by Export; a zero character
+/// ends the text.
+///
+/// Once the root element is closed, only white space can follow it: a value or a CDATA section then gives the
+/// DOM's HIERARCHY_REQUEST_ERR.
 ///
 /// A builder is used by one thread at a time.
 class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
@@ -40,8 +48,7 @@ class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
     enum OwnershipType
     {
         LeaveDocumentToCaller = 0,
-        TakeDocumentOver =
-            1 ///< the builder writes the document to its URI and releases it when it is destroyed
+        TakeDocumentOver = 1 ///< the builder writes it to its URI and releases it when it is destroyed
     };
 
     /// Builds a new document that belongs to no file. Its location, for messages, is an unused name in the
@@ -89,7 +96,7 @@ class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
     int WriteEndElement() override;
 
     // Elements. The forms with a value of another type pass its text to the form with a string, through the
-    // virtual table. Failure of a number's conversion gives an empty text.
+    // virtual table. Failure before the root element.
 
     int WriteXML(const char* name, const Nuv::Guid& value) override;
 
@@ -113,14 +120,13 @@ class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
     using Nuv::XMLOChannel::WriteXML;
 
     // Text and CDATA sections in the open element, each on a new line, with line ends as they are. Failure
-    // when no element is open.
+    // before the root element.
 
     int WriteXMLTextNode(const Nuv::UniString& text) override;
     using Nuv::XMLOChannel::WriteXMLTextNode;
 
-    /// "]]>" cannot stand in a CDATA section: a text that holds it is written as several sections, divided
-    /// between
-    /// "]]" and ">".
+    /// "]]>" cannot stand in a CDATA section: a text that holds it becomes several sections, divided between
+    /// "]]" and ">". Whoever parses the text reads every line end in it as a line feed.
     int WriteXMLCDATAString(const Nuv::UniString& text) override;
     using Nuv::XMLOChannel::WriteXMLCDATAString;
 
@@ -201,6 +207,10 @@ class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
 
     xercesc_3_0::DOMNode* ActualNode() const;
     bool HasOpenElement() const;
+    bool IsRootClosed() const;
+    xercesc_3_0::DOMElement* CreateElement(const char* name);
+    xercesc_3_0::DOMText* CreateText(const XMLCh* text);
+    xercesc_3_0::DOMCDATASection* CreateCDATASection(const std::u16string& text);
     void AppendToOpenElement(xercesc_3_0::DOMNode* node);
     void WriteFile();
 
@@ -216,7 +226,6 @@ class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
     bool ownsDocument;
     bool writeOnDestroy;
     bool replaceCR = true;
-    bool holdsUnwritableCDATA = false;
 };
 
 } // namespace NuvXML

@@ -13,7 +13,6 @@
 #include <cstring>
 #include <memory>
 #include <new>
-#include <utility>
 
 namespace NuvXML
 {
@@ -120,17 +119,17 @@ void EndGuardedChannel(Channel** channel, Nuv::Array<Nuv::UniString>* messages, 
 {
     if (!channel || !*channel)
         return;
-    const std::unique_ptr<Channel> ended(std::exchange(*channel, nullptr));
-    if (!messages)
-        return;
     try
     {
-        HarvestMessages(*ended, *messages, makePrefix);
+        if (messages)
+            HarvestMessages(**channel, *messages, makePrefix);
     }
     catch (...)
     {
         // There was no memory for a message, and a guard has nobody to tell.
     }
+    delete *channel;
+    *channel = nullptr;
 }
 
 } // namespace

@@ -9,9 +9,10 @@
 /// XMLOChannelException or XMLIChannelException with one of these messages, where "..." is CreateXMLOChannel
 /// or CreateXMLIChannel:
 /// - "Not enough memory in ..."
-/// - "NuvXML DOMBuilderException": the document could not be made; "NuvXML DOMReaderException": the text
-/// could not
-///   be read, be it that the file is missing or that the text is not well-formed XML
+/// - "NuvXML DOMBuilderException": the document could not be made
+/// - "NuvXML DOMReaderException": the text could not be read, be it that the file is missing or that the text
+/// is
+///   not well-formed XML
 /// - "Xercesc DOMException"
 /// - "Unkonwn Exception in ..."
 ///
