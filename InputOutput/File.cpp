@@ -40,11 +40,11 @@ constexpr mode_t ReadableAndWritable = 0666;
 } // namespace
 
 File::File(const Location& file, OnNotFound treatment)
-    : location(file)
+    : path(file.ToNativePath())
     , onNotFound(treatment)
 {
     struct stat properties;
-    if (onNotFound == FailWhenNotFound && stat(location.ToNativePath().c_str(), &properties) != 0)
+    if (onNotFound == FailWhenNotFound && stat(path.c_str(), &properties) != 0)
         status = CodeOfLastError();
 }
 
@@ -58,7 +58,6 @@ int File::Open(OpenMode mode, AccessDeniedTreatment)
 {
     if (descriptor >= 0)
         Close();
-    const std::string path = location.ToNativePath();
     const int opened =
         Uninterrupted([&] { return open(path.c_str(), OpenFlags(mode, onNotFound), ReadableAndWritable); });
     if (opened < 0)

@@ -5,6 +5,8 @@
 #include "InputOutput/Location.hpp"
 #include "NuvRoot/Channels.hpp"
 
+#include <string>
+
 namespace IO
 {
 
@@ -56,7 +58,7 @@ class INPUTOUTPUT_API File : public Nuv::OChannel, public Nuv::IChannel
     int Read(void* bytes, size_t capacity, size_t& count) override;
 
   private:
-    Location location;
+    std::string path;
     OnNotFound onNotFound;
     int status = NoError;
     int descriptor = -1;

@@ -167,8 +167,8 @@ class NUVROOT_API XMLOChannel
     int channelPrecision = 15;
 };
 
-/// Gives an object back from what an XMLOChannel took. An element that is not found leaves the reader where it was;
-/// one whose text has the wrong form has been passed over.
+/// Gives an object back from what an XMLOChannel took. An element that is not found leaves the reader where
+/// it was; one whose text has the wrong form has been passed over.
 class NUVROOT_API XMLIChannel
 {
   public:

@@ -17,6 +17,12 @@ ValidatingXMLParser::LineInfoParser::~LineInfoParser() = default;
 
 void ValidatingXMLParser::LineInfoParser::SetNodeLocations(NodeLocations* store) { nodeLocations = store; }
 
+void ValidatingXMLParser::LineInfoParser::FreeDocument()
+{
+    if (!getParseInProgress())
+        resetDocumentPool();
+}
+
 void ValidatingXMLParser::LineInfoParser::docCharacters(const XMLCh* chars, XMLSize_t length,
                                                         bool cdataSection)
 {

@@ -58,6 +58,7 @@ LocationInputSource::~LocationInputSource() = default;
 
 xercesc_3_0::BinInputStream* LocationInputSource::makeStream() const
 {
+    ranOutOfMemory = false;
     try
     {
         std::unique_ptr<LocationBinInputStream> stream(new (getMemoryManager())
@@ -66,6 +67,7 @@ xercesc_3_0::BinInputStream* LocationInputSource::makeStream() const
     }
     catch (...)
     {
+        ranOutOfMemory = true; // nothing else can be thrown
         return nullptr;
     }
 }

@@ -52,6 +52,10 @@ class NUVXMLUTILS_API LocationInputSource : public xercesc_3_0::InputSource
     /// A new stream, which the caller deletes; null when the file cannot be opened or memory runs out.
     xercesc_3_0::BinInputStream* makeStream() const override;
 
+    /// Whether lack of memory is why the last makeStream gave null.
+    bool RanOutOfMemory() const { return ranOutOfMemory; }
+
   private:
     IO::Location location;
+    mutable bool ranOutOfMemory = false;
 };

@@ -499,10 +499,10 @@ void DOMBuilder::WriteFile()
     ExportInternal(
         [this](const char* bytes, size_t length)
         {
+            IO::File file(location, IO::CreateWhenNotFound);
             const int deleted = IO::FileSystem::Delete(location, IO::DeleteForGood, IO::ReportAccessDenied);
             if (deleted != IO::NoError && deleted != IO::NotFound)
                 return;
-            IO::File file(location, IO::CreateWhenNotFound);
             if (file.Open(IO::WriteMode, IO::ReportAccessDenied) != IO::NoError)
                 return;
             file.Write(bytes, length);

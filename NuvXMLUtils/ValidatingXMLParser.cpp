@@ -58,8 +58,8 @@ class DOMTreeErrorReporter : public xercesc_3_0::ErrorHandler
     void resetErrors() override {}
 };
 
-/// One call of the parser: it has its handlers for the time of the call only, for they do not outlive it. When
-/// the call ends the parser is fit for the next one, and holds nothing of a document that failed.
+/// One call of the parser: it has its handlers for the time of the call only, for they do not outlive it.
+/// When the call ends the parser is fit for the next one, and holds nothing of a document that failed.
 class CallScope
 {
   public:
@@ -74,8 +74,7 @@ class CallScope
     CallScope& operator=(const CallScope&) = delete;
     ~CallScope()
     {
-        parser.EndParse();
-        parser.resetDocumentPool();
+        parser.FreeDocument();
         parser.setErrorHandler(nullptr);
         parser.setEntityResolver(nullptr);
     }
@@ -145,21 +144,35 @@ bool IsOutOfMemory()
 
 } // namespace
 
-ValidatingXMLParser::ValidatingXMLParser()
+ValidatingXMLParser::ValidatingXMLParser() { HasParser(); }
+
+ValidatingXMLParser::~ValidatingXMLParser() = default;
+
+/// Makes a parser where there is none; false when Xerces is not running or memory runs out.
+bool ValidatingXMLParser::HasParser()
 {
-    if (!xercesc_3_0::DOMImplementation::getImplementation())
-        return;
+    if (parser || !xercesc_3_0::DOMImplementation::getImplementation())
+        return parser != nullptr;
     try
     {
-        parser.reset(new LineInfoParser);
+        parser = std::make_unique<LineInfoParser>();
     }
     catch (...)
     {
-        ranOutOfMemory = IsOutOfMemory();
+        HandleUnknownFailure();
     }
+    return parser != nullptr;
 }
 
-ValidatingXMLParser::~ValidatingXMLParser() = default;
+/// Lack of memory leaves the scanner of Xerces in a state from which the next parse would crash.
+void ValidatingXMLParser::HandleUnknownFailure()
+{
+    ranOutOfMemory = IsOutOfMemory();
+    if (!ranOutOfMemory || !parser)
+        return;
+    hasLostSchema = hasLostSchema || parser->getDoSchema();
+    parser.reset();
+}
 
 bool ValidatingXMLParser::LoadSchema(const IO::Location& schema, NodeLocationInfo* errorLocation,
                                      Nuv::UniString* errorMessage)
@@ -173,7 +186,7 @@ bool ValidatingXMLParser::LoadSchema(const IO::Location& schema, NodeLocationInf
     }
     try
     {
-        if (!parser)
+        if (!HasParser())
             throw Nuv::NuvException();
         DOMTreeErrorReporter errorReporter;
         const CallScope call(*parser, errorReporter, nullptr);
@@ -183,6 +196,7 @@ bool ValidatingXMLParser::LoadSchema(const IO::Location& schema, NodeLocationInf
         parser->setDoSchema(true);
         parser->setDoNamespaces(true);
         parser->useCachedGrammarInParse(true);
+        hasLostSchema = false;
         return true;
     }
     catch (const xercesc_3_0::SAXParseException& exception)
@@ -203,7 +217,7 @@ bool ValidatingXMLParser::LoadSchema(const IO::Location& schema, NodeLocationInf
     }
     catch (...)
     {
-        ranOutOfMemory = IsOutOfMemory();
+        HandleUnknownFailure();
         failure.Write(UnknownLine, u"Could not load the XML Schema.");
     }
     return false;
@@ -240,7 +254,7 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(xercesc_3_0::InputSource& s
     }
     catch (...)
     {
-        ranOutOfMemory = IsOutOfMemory();
+        HandleUnknownFailure();
         failure.Write(UnknownLine, FailedToParse);
     }
     return nullptr;
@@ -252,13 +266,15 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(const IO::Location& file, V
                                                      Nuv::UniString* errorMessage)
 {
     const FailureReport failure{errorLocation, errorMessage};
-    if (!parser)
+    if (hasLostSchema || !HasParser())
         return failure.Null(FailedToParse);
     const auto source = MakeSource<LocationInputSource>(file);
     ranOutOfMemory = !source;
     if (!source)
         return failure.Null(u"Memory error");
-    return Parse(*source, scheme, createEntityRefNodes, nodeLocations, errorLocation, errorMessage);
+    auto* document = Parse(*source, scheme, createEntityRefNodes, nodeLocations, errorLocation, errorMessage);
+    ranOutOfMemory = ranOutOfMemory || source->RanOutOfMemory();
+    return document;
 }
 
 xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(const unsigned char* buffer, unsigned int size,
@@ -269,7 +285,7 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(const unsigned char* buffer
                                                      Nuv::UniString* errorMessage)
 {
     const FailureReport failure{errorLocation, errorMessage};
-    if (!parser)
+    if (hasLostSchema || !HasParser())
         return failure.Null(FailedToParse);
     const auto source = MakeSource<xercesc_3_0::MemBufInputSource>(buffer, size, systemId.ToUTF16());
     ranOutOfMemory = !source;

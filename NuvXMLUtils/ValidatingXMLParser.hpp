@@ -67,7 +67,9 @@ class NUVXMLUTILS_API ValidatingXMLParser
                                     NodeLocations* nodeLocations, NodeLocationInfo* errorLocation,
                                     Nuv::UniString* errorMessage);
 
-    /// Whether the last operation failed for lack of memory, which its message does not tell.
+    /// Whether the last operation failed for lack of memory, which its message does not tell. The parser can
+    /// be used again. If it had a schema it has lost it, and every Parse fails until LoadSchema has succeeded
+    /// once more.
     bool RanOutOfMemory() const { return ranOutOfMemory; }
 
   private:
@@ -75,10 +77,15 @@ class NUVXMLUTILS_API ValidatingXMLParser
                                     bool createEntityRefNodes, NodeLocations* nodeLocations,
                                     NodeLocationInfo* errorLocation, Nuv::UniString* errorMessage);
 
-    /// Null when Xerces was not running or memory ran out at construction: then every operation fails.
+    bool HasParser();
+    void HandleUnknownFailure();
+
+    /// Null when Xerces is not running and after lack of memory, which leaves a parser of Xerces unfit for
+    /// use.
     std::unique_ptr<LineInfoParser> parser;
 
     bool ranOutOfMemory = false;
+    bool hasLostSchema = false;
 };
 
 /// A DOM parser that records in a NodeLocations store on which line the scanner stood when each node was made
@@ -94,9 +101,9 @@ class NUVXMLUTILS_API ValidatingXMLParser::LineInfoParser : public xercesc_3_0::
     /// Sets the store to fill, for all parses to come; null switches recording off. The store is not owned.
     void SetNodeLocations(NodeLocations* store);
 
-    /// Makes the parser usable again after a parse that lack of memory ended, which Xerces takes for one that
-    /// is still going on.
-    void EndParse() { setParseInProgress(false); }
+    /// Frees a document that nobody has adopted, unless a parse is in progress, as Xerces takes one to be
+    /// that lack of memory has ended.
+    void FreeDocument();
 
     void docCharacters(const XMLCh* chars, XMLSize_t length, bool cdataSection) override;
     void docComment(const XMLCh* comment) override;
