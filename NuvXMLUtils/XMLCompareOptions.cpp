@@ -1,0 +1,174 @@
+#include "NuvXMLUtils/XMLCompareOptions.hpp"
+
+#include "NuvRoot/ValueText.hpp"
+#include "NuvXMLUtils/TextView.hpp"
+#include "NuvXMLUtils/XMLCompareException.hpp"
+#include "NuvXMLUtils/XMLNodeComparator.hpp"
+#include "NuvXMLUtils/XMLValueComparator.hpp"
+
+#include <xercesc/util/XMLString.hpp>
+
+#include <cmath>
+
+using xercesc_3_0::DOMAttr;
+using xercesc_3_0::DOMElement;
+using xercesc_3_0::DOMNode;
+
+namespace NuvXML
+{
+namespace
+{
+
+/// Epsilon markers that are nearer to each other than this agree.
+constexpr double EpsilonMarkerTolerance = 1e-12;
+
+const DOMAttr* FindAttribute(const DOMElement* element, const Nuv::UniString& name)
+{
+    return element && !name.IsEmpty() ? element->getAttributeNode(name.ToUTF16()) : nullptr;
+}
+
+template <class Comparator>
+XMLValueComparator* NewComparator()
+{
+    return new Comparator;
+}
+
+struct ValueType
+{
+    std::u16string_view word;
+    XMLValueComparator* (*newComparator)();
+};
+
+constexpr ValueType ValueTypes[] = {
+    {u"int", NewComparator<XMLCompareInt>},
+    {u"double", NewComparator<XMLCompareDouble>},
+    {u"string", NewComparator<XMLCompareString>},
+};
+
+} // namespace
+
+IXMLCompareOptions::IXMLCompareOptions() = default;
+IXMLCompareOptions::IXMLCompareOptions(const IXMLCompareOptions&) = default;
+IXMLCompareOptions& IXMLCompareOptions::operator=(const IXMLCompareOptions&) = default;
+IXMLCompareOptions::~IXMLCompareOptions() = default;
+
+StrictOrderAutoValueCompareOptions::StrictOrderAutoValueCompareOptions() = default;
+StrictOrderAutoValueCompareOptions::StrictOrderAutoValueCompareOptions(
+    const StrictOrderAutoValueCompareOptions&) = default;
+StrictOrderAutoValueCompareOptions&
+StrictOrderAutoValueCompareOptions::operator=(const StrictOrderAutoValueCompareOptions&) = default;
+StrictOrderAutoValueCompareOptions::~StrictOrderAutoValueCompareOptions() = default;
+
+double StrictOrderAutoValueCompareOptions::GetDoubleEps() const { return epsilon; }
+
+void StrictOrderAutoValueCompareOptions::SetDoubleEps(double newEpsilon) { epsilon = newEpsilon; }
+
+StrictOrderAutoValueCompareOptions* StrictOrderAutoValueCompareOptions::Clone() const
+{
+    return new StrictOrderAutoValueCompareOptions(*this);
+}
+
+bool StrictOrderAutoValueCompareOptions::AcceptAttribute(const DOMAttr*) const { return true; }
+
+bool StrictOrderAutoValueCompareOptions::AreNodeNamesEqual(const DOMNode* left, const DOMNode* right) const
+{
+    return Nuv::EqualIgnoringCase(ViewOf(left->getNodeName()), ViewOf(right->getNodeName()));
+}
+
+void StrictOrderAutoValueCompareOptions::CompareSpecialTypeNodes(const DOMNode* left, const DOMNode* right)
+{
+    throw NotSupportedNodeTypesException(left, right);
+}
+
+XMLValueComparator* StrictOrderAutoValueCompareOptions::GetAttributeValueComparator(const DOMAttr*) const
+{
+    return new XMLCompareAuto;
+}
+
+XMLValueComparator* StrictOrderAutoValueCompareOptions::GetValueComparator() const
+{
+    return new XMLCompareAuto;
+}
+
+XMLNodeComparator* StrictOrderAutoValueCompareOptions::PrepareNodeComparator(const DOMElement*,
+                                                                             const DOMElement*)
+{
+    return new XMLCompareStrictOrder;
+}
+
+bool StrictOrderAutoValueCompareOptions::CanOptionsChangeAndEffectNotChildNodes() const { return false; }
+
+AttrRuledCompareOptions::AttrRuledCompareOptions() = default;
+AttrRuledCompareOptions::AttrRuledCompareOptions(const AttrRuledCompareOptions&) = default;
+AttrRuledCompareOptions& AttrRuledCompareOptions::operator=(const AttrRuledCompareOptions&) = default;
+AttrRuledCompareOptions::~AttrRuledCompareOptions() = default;
+
+AttrRuledCompareOptions* AttrRuledCompareOptions::Clone() const { return new AttrRuledCompareOptions(*this); }
+
+XMLValueComparator* AttrRuledCompareOptions::GetValueComparator() const
+{
+    for (const ValueType& type : ValueTypes)
+        if (Nuv::EqualIgnoringCase(currentValueType.View(), type.word))
+            return type.newComparator();
+    return new XMLCompareAuto;
+}
+
+XMLNodeComparator* AttrRuledCompareOptions::PrepareNodeComparator(const DOMElement* left,
+                                                                  const DOMElement* right)
+{
+    currentValueType = Nuv::UniString();
+    SetCurrentValueType(left, right);
+    return new XMLCompareStrictOrder;
+}
+
+bool AttrRuledCompareOptions::CanOptionsChangeAndEffectNotChildNodes() const { return true; }
+
+void AttrRuledCompareOptions::SetTypeDeciderAtt(const Nuv::UniString& attributeName)
+{
+    typeAttribute = attributeName;
+}
+
+Nuv::UniString AttrRuledCompareOptions::GetTypeDeciderAtt() { return typeAttribute; }
+
+void AttrRuledCompareOptions::SetEpsAtt(const Nuv::UniString& attributeName)
+{
+    epsilonAttribute = attributeName;
+}
+
+Nuv::UniString AttrRuledCompareOptions::GetEpsAtt() { return epsilonAttribute; }
+
+const DOMAttr* AttrRuledCompareOptions::GetTypeAttribute(const DOMElement* element) const
+{
+    return FindAttribute(element, typeAttribute);
+}
+
+void AttrRuledCompareOptions::SetCurrentValueType(const DOMElement* left, const DOMElement* right)
+{
+    const DOMAttr* const leftType = GetTypeAttribute(left);
+    const DOMAttr* const rightType = GetTypeAttribute(right);
+    const bool disagree = leftType && rightType &&
+                          xercesc_3_0::XMLString::compareIString(leftType->getValue(), rightType->getValue());
+    if (const DOMAttr* const type = leftType ? leftType : rightType; type && !disagree)
+        currentValueType = Nuv::UniString(type->getValue());
+    DoValueTypeSpecificUpdates(left, right);
+}
+
+void AttrRuledCompareOptions::DoValueTypeSpecificUpdates(const DOMElement* left, const DOMElement* right)
+{
+    const DOMAttr* const leftMarker = FindAttribute(left, epsilonAttribute);
+    const DOMAttr* const rightMarker = FindAttribute(right, epsilonAttribute);
+    double leftEpsilon = 0.0;
+    double rightEpsilon = 0.0;
+    if (leftMarker && !Nuv::strtovalue(leftMarker->getValue(), leftEpsilon))
+        return;
+    if (rightMarker && !Nuv::strtovalue(rightMarker->getValue(), rightEpsilon))
+        return;
+    if (leftMarker && rightMarker && !(std::fabs(leftEpsilon - rightEpsilon) < EpsilonMarkerTolerance))
+        return;
+    if (leftMarker)
+        SetDoubleEps(leftEpsilon);
+    else if (rightMarker)
+        SetDoubleEps(rightEpsilon);
+}
+
+} // namespace NuvXML

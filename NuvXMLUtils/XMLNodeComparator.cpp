@@ -1,0 +1,244 @@
+#include "NuvXMLUtils/XMLNodeComparator.hpp"
+
+#include "NuvRoot/Containers.hpp"
+#include "NuvRoot/Exceptions.hpp"
+#include "NuvRoot/SharedObject.hpp"
+#include "NuvXMLUtils/TextView.hpp"
+#include "NuvXMLUtils/XMLCompareException.hpp"
+#include "NuvXMLUtils/XMLCompareOptions.hpp"
+#include "NuvXMLUtils/XMLValueComparator.hpp"
+
+#include <xercesc/dom/DOMNamedNodeMap.hpp>
+#include <xercesc/dom/DOMText.hpp>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <string_view>
+
+using xercesc_3_0::DOMAttr;
+using xercesc_3_0::DOMElement;
+using xercesc_3_0::DOMNamedNodeMap;
+using xercesc_3_0::DOMNode;
+using xercesc_3_0::DOMText;
+using xercesc_3_0::DOMTreeWalker;
+
+namespace NuvXML
+{
+namespace
+{
+
+/// Puts both walkers back, at the end of its scope, to where they stood when it was made.
+class PositionKeeper
+{
+  public:
+    PositionKeeper(DOMTreeWalker& left, DOMTreeWalker& right)
+        : leftWalker(left)
+        , rightWalker(right)
+        , leftNode(left.getCurrentNode())
+        , rightNode(right.getCurrentNode())
+    {
+    }
+    PositionKeeper(const PositionKeeper&) = delete;
+    PositionKeeper& operator=(const PositionKeeper&) = delete;
+    ~PositionKeeper() { PutBack(); }
+
+    void PutBack()
+    {
+        leftWalker.setCurrentNode(leftNode);
+        rightWalker.setCurrentNode(rightNode);
+    }
+
+    const DOMNode* LeftNode() const { return leftNode; }
+    const DOMNode* RightNode() const { return rightNode; }
+
+  private:
+    DOMTreeWalker& leftWalker;
+    DOMTreeWalker& rightWalker;
+    DOMNode* leftNode;
+    DOMNode* rightNode;
+};
+
+/// A set of attribute names, which stay in their document. Most elements have few attributes, for which
+/// looking through an array is faster than hashing.
+class AttributeNames
+{
+  public:
+    void Add(std::u16string_view name)
+    {
+        if (count < first.size())
+            first[count++] = name;
+        else
+            others.insert(name);
+    }
+
+    bool Contains(std::u16string_view name) const
+    {
+        const auto end = first.begin() + static_cast<std::ptrdiff_t>(count);
+        return std::find(first.begin(), end, name) != end || others.count(name) != 0;
+    }
+
+  private:
+    std::array<std::u16string_view, 16> first;
+    size_t count = 0;
+    Nuv::HashSet<std::u16string_view> others;
+};
+
+const DOMText* TextOf(const DOMAttr* attribute)
+{
+    const DOMNode* const child = attribute->getFirstChild();
+    return child && child->getNodeType() == DOMNode::TEXT_NODE ? static_cast<const DOMText*>(child) : nullptr;
+}
+
+const DOMAttr* AttributeAt(const DOMNamedNodeMap& attributes, XMLSize_t index)
+{
+    return static_cast<const DOMAttr*>(attributes.item(index));
+}
+
+bool AreBoth(DOMNode::NodeType type, const DOMNode* left, const DOMNode* right)
+{
+    return left->getNodeType() == type && right->getNodeType() == type;
+}
+
+bool AreElementAndText(const DOMNode* left, const DOMNode* right)
+{
+    const auto leftType = left->getNodeType();
+    const auto rightType = right->getNodeType();
+    return (leftType == DOMNode::ELEMENT_NODE && rightType == DOMNode::TEXT_NODE) ||
+           (leftType == DOMNode::TEXT_NODE && rightType == DOMNode::ELEMENT_NODE);
+}
+
+} // namespace
+
+XMLNodeComparator::XMLNodeComparator() = default;
+XMLNodeComparator::XMLNodeComparator(const XMLNodeComparator&) = default;
+XMLNodeComparator& XMLNodeComparator::operator=(const XMLNodeComparator&) = default;
+XMLNodeComparator::~XMLNodeComparator() = default;
+
+void XMLNodeComparator::CompareNodes(DOMTreeWalker* left, DOMTreeWalker* right,
+                                     IXMLCompareOptions& compareOptions)
+{
+    const PositionKeeper pair(*left, *right);
+    options = &compareOptions;
+    leftWalker = left;
+    rightWalker = right;
+    leftNode = pair.LeftNode();
+    rightNode = pair.RightNode();
+    if (AreBoth(DOMNode::TEXT_NODE, leftNode, rightNode))
+        ControlNodeComparison();
+    else if (AreBoth(DOMNode::ELEMENT_NODE, leftNode, rightNode))
+    {
+        if (!compareOptions.AreNodeNamesEqual(leftNode, rightNode))
+            throw NodeNamesDontMatchException(leftNode, rightNode);
+        CompareAttributes(static_cast<const DOMElement*>(leftNode), static_cast<const DOMElement*>(rightNode),
+                          compareOptions);
+        WalkThrough();
+    }
+    else
+        CompareOtherNodes(leftNode, rightNode);
+}
+
+void XMLNodeComparator::ControlNodeComparison()
+{
+    PositionKeeper pair(*leftWalker, *rightWalker);
+    const DOMNode* const left = pair.LeftNode();
+    const DOMNode* const right = pair.RightNode();
+    if (AreBoth(DOMNode::TEXT_NODE, left, right))
+        CompareTexts(static_cast<const DOMText*>(left), static_cast<const DOMText*>(right));
+    else if (AreBoth(DOMNode::ELEMENT_NODE, left, right))
+    {
+        const Nuv::Ref<IXMLCompareOptions> childOptions(
+            options->CanOptionsChangeAndEffectNotChildNodes() ? options->Clone() : options);
+        const std::unique_ptr<XMLNodeComparator> comparator(childOptions->PrepareNodeComparator(
+            static_cast<const DOMElement*>(left), static_cast<const DOMElement*>(right)));
+        pair.PutBack();
+        comparator->CompareNodes(leftWalker, rightWalker, *childOptions);
+    }
+    else
+        CompareOtherNodes(left, right);
+}
+
+void XMLNodeComparator::CompareTexts(const DOMText* left, const DOMText* right) const
+{
+    const std::unique_ptr<XMLValueComparator> comparator(options->GetValueComparator());
+    if (!comparator->CompareValues(left, right, *options))
+        throw TextNodeValuesDontMatchException(left, right);
+}
+
+void XMLNodeComparator::CompareOtherNodes(const DOMNode* left, const DOMNode* right) const
+{
+    if (AreElementAndText(left, right))
+        throw OneNodeIsElementOneIsTextException(left, right);
+    if (left->getNodeType() != right->getNodeType())
+        throw NodeTypesDontMatchException(left, right);
+    options->CompareSpecialTypeNodes(left, right);
+}
+
+void XMLNodeComparator::CompareAttributes(const DOMElement* left, const DOMElement* right,
+                                          const IXMLCompareOptions& compareOptions)
+{
+    const DOMNamedNodeMap& leftAttributes = *left->getAttributes();
+    const DOMNamedNodeMap& rightAttributes = *right->getAttributes();
+    AttributeNames compared;
+    for (XMLSize_t i = 0; i < leftAttributes.getLength(); ++i)
+    {
+        const DOMAttr* const leftAttribute = AttributeAt(leftAttributes, i);
+        if (!compareOptions.AcceptAttribute(leftAttribute))
+            continue;
+        const auto* const rightAttribute =
+            static_cast<const DOMAttr*>(rightAttributes.getNamedItem(leftAttribute->getName()));
+        if (!rightAttribute)
+            throw AttributeMissingException(left, right, leftAttribute, XMLCompareException::Right);
+        const std::unique_ptr<XMLValueComparator> comparator(
+            compareOptions.GetAttributeValueComparator(leftAttribute));
+        if (!comparator->CompareValues(TextOf(leftAttribute), TextOf(rightAttribute), compareOptions))
+            throw AttributesDontMatchException(left, right, leftAttribute, rightAttribute);
+        compared.Add(ViewOf(leftAttribute->getName()));
+    }
+    for (XMLSize_t i = 0; i < rightAttributes.getLength(); ++i)
+    {
+        const DOMAttr* const rightAttribute = AttributeAt(rightAttributes, i);
+        if (!compared.Contains(ViewOf(rightAttribute->getName())) &&
+            compareOptions.AcceptAttribute(rightAttribute))
+            throw AttributeMissingException(left, right, rightAttribute, XMLCompareException::Left);
+    }
+}
+
+XMLCompareStrictOrder::XMLCompareStrictOrder() = default;
+XMLCompareStrictOrder::XMLCompareStrictOrder(const XMLCompareStrictOrder&) = default;
+XMLCompareStrictOrder& XMLCompareStrictOrder::operator=(const XMLCompareStrictOrder&) = default;
+XMLCompareStrictOrder::~XMLCompareStrictOrder() = default;
+
+void XMLCompareStrictOrder::WalkThrough()
+{
+    const DOMNode* left = LeftWalker()->firstChild();
+    const DOMNode* right = RightWalker()->firstChild();
+    while (left && right)
+    {
+        ControlNodeComparison();
+        left = LeftWalker()->nextSibling();
+        right = RightWalker()->nextSibling();
+    }
+    if (left || right)
+        throw OneNodeHasMoreChildrenThanTheOtherException(
+            LeftNode(), RightNode(), left ? XMLCompareException::Left : XMLCompareException::Right);
+}
+
+XMLCompareRotatedOrder::XMLCompareRotatedOrder() = default;
+XMLCompareRotatedOrder::XMLCompareRotatedOrder(const XMLCompareRotatedOrder&) = default;
+XMLCompareRotatedOrder& XMLCompareRotatedOrder::operator=(const XMLCompareRotatedOrder&) = default;
+XMLCompareRotatedOrder::~XMLCompareRotatedOrder() = default;
+
+void XMLCompareRotatedOrder::WalkThrough()
+{
+    throw Nuv::NuvException(u"Rotated order walkthrough not yet supported.");
+}
+
+XMLCompareNoOrder::XMLCompareNoOrder() = default;
+XMLCompareNoOrder::XMLCompareNoOrder(const XMLCompareNoOrder&) = default;
+XMLCompareNoOrder& XMLCompareNoOrder::operator=(const XMLCompareNoOrder&) = default;
+XMLCompareNoOrder::~XMLCompareNoOrder() = default;
+
+void XMLCompareNoOrder::WalkThrough() { throw Nuv::NuvException(u"No-order walkthrough not yet supported."); }
+
+} // namespace NuvXML
