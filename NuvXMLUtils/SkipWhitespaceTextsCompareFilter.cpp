@@ -10,9 +10,6 @@ using xercesc_3_0::DOMNode;
 namespace NuvXML
 {
 
-SkipWhitespaceTextsCompareFilter::SkipWhitespaceTextsCompareFilter() = default;
-SkipWhitespaceTextsCompareFilter::~SkipWhitespaceTextsCompareFilter() = default;
-
 xercesc_3_0::DOMNodeFilter::FilterAction
 SkipWhitespaceTextsCompareFilter::acceptNode(const DOMNode* node) const
 {

@@ -13,9 +13,6 @@ namespace NuvXML
 class NUVXMLUTILS_API SkipWhitespaceTextsCompareFilter : public xercesc_3_0::DOMNodeFilter
 {
   public:
-    SkipWhitespaceTextsCompareFilter();
-    ~SkipWhitespaceTextsCompareFilter() override;
-
     FilterAction acceptNode(const xercesc_3_0::DOMNode* node) const override;
 };
 

@@ -52,14 +52,10 @@ Nuv::UniString Report(const XMLCompareException& difference, const char* format,
 
 } // namespace
 
-XMLCompareException::XMLCompareException() = default;
-
 XMLCompareException::XMLCompareException(const DOMNode* leftNode, const DOMNode* rightNode)
     : path{PathOf(leftNode), PathOf(rightNode)}
 {
 }
-
-XMLCompareException::~XMLCompareException() = default;
 
 Nuv::UniString XMLCompareException::GetText() const
 {
@@ -83,8 +79,6 @@ AttributeMissingException::AttributeMissingException(const DOMNode* leftNode, co
 {
 }
 
-AttributeMissingException::~AttributeMissingException() = default;
-
 Nuv::UniString AttributeMissingException::GetText() const
 {
     return Report(*this, "Diff at nodes:\n\t- %s\n\t- %s\n\tMissing attribute \"%s\" on the %s.",
@@ -104,8 +98,6 @@ AttributesDontMatchException::AttributesDontMatchException(const DOMNode* leftNo
 {
 }
 
-AttributesDontMatchException::~AttributesDontMatchException() = default;
-
 Nuv::UniString AttributesDontMatchException::GetText() const
 {
     return Report(*this,
@@ -123,8 +115,6 @@ NodeNamesDontMatchException::NodeNamesDontMatchException(const DOMNode* leftNode
 {
 }
 
-NodeNamesDontMatchException::~NodeNamesDontMatchException() = default;
-
 Nuv::UniString NodeNamesDontMatchException::GetText() const
 {
     return Report(*this, "Diff at nodes:\n\t- %s\n\t- %s\n\tNode names don't match.");
@@ -135,8 +125,6 @@ NodeTypesDontMatchException::NodeTypesDontMatchException(const DOMNode* leftNode
     , nodeType{leftNode->getNodeType(), rightNode->getNodeType()}
 {
 }
-
-NodeTypesDontMatchException::~NodeTypesDontMatchException() = default;
 
 Nuv::UniString NodeTypesDontMatchException::GetText() const
 {
@@ -160,8 +148,6 @@ NotSupportedNodeTypesException::NotSupportedNodeTypesException(const DOMNode* le
     , nodeType{leftNode->getNodeType(), rightNode->getNodeType()}
 {
 }
-
-NotSupportedNodeTypesException::~NotSupportedNodeTypesException() = default;
 
 Nuv::UniString NotSupportedNodeTypesException::GetText() const
 {
@@ -187,8 +173,6 @@ OneNodeHasMoreChildrenThanTheOtherException::OneNodeHasMoreChildrenThanTheOtherE
 {
 }
 
-OneNodeHasMoreChildrenThanTheOtherException::~OneNodeHasMoreChildrenThanTheOtherException() = default;
-
 Nuv::UniString OneNodeHasMoreChildrenThanTheOtherException::GetText() const
 {
     return Report(*this, "Diff at nodes:\n\t- %s\n\t- %s\n\tThe node on the %s has more children.",
@@ -206,8 +190,6 @@ OneNodeIsElementOneIsTextException::OneNodeIsElementOneIsTextException(const DOM
     , textValue((leftNode->getNodeType() == DOMNode::TEXT_NODE ? leftNode : rightNode)->getNodeValue())
 {
 }
-
-OneNodeIsElementOneIsTextException::~OneNodeIsElementOneIsTextException() = default;
 
 Nuv::UniString OneNodeIsElementOneIsTextException::GetText() const
 {
@@ -227,8 +209,6 @@ TextNodeValuesDontMatchException::TextNodeValuesDontMatchException(const DOMNode
 {
 }
 
-TextNodeValuesDontMatchException::~TextNodeValuesDontMatchException() = default;
-
 Nuv::UniString TextNodeValuesDontMatchException::GetText() const
 {
     return Report(*this, "Diff at nodes:\n\t- %s\n\t- %s\n\tText node values \"%s\" and \"%s\" don't match.",
@@ -241,8 +221,6 @@ NoElementsInDocumentException::NoElementsInDocumentException(Side emptySide)
     : side(emptySide)
 {
 }
-
-NoElementsInDocumentException::~NoElementsInDocumentException() = default;
 
 Nuv::UniString NoElementsInDocumentException::GetText() const
 {

@@ -30,14 +30,14 @@ class NUVXMLUTILS_API XMLCompareException
     };
 
     /// With two empty node paths.
-    XMLCompareException();
+    XMLCompareException() = default;
 
     /// With the paths of the two nodes; a null node has the empty path.
     XMLCompareException(const xercesc_3_0::DOMNode* leftNode, const xercesc_3_0::DOMNode* rightNode);
 
     XMLCompareException(const XMLCompareException&) = default;
     XMLCompareException& operator=(const XMLCompareException&) = default;
-    virtual ~XMLCompareException();
+    virtual ~XMLCompareException() = default;
 
     /// The difference as an English report of several lines, with both places and what differs. Characters
     /// that the local code page lacks show as `?`; the other operations give the full text.
@@ -71,9 +71,6 @@ class NUVXMLUTILS_API AttributeMissingException : public XMLCompareException
     /// @param missingOn the side that lacks the attribute
     AttributeMissingException(const xercesc_3_0::DOMNode* leftNode, const xercesc_3_0::DOMNode* rightNode,
                               const xercesc_3_0::DOMAttr* attribute, Side missingOn);
-    AttributeMissingException(const AttributeMissingException&) = default;
-    AttributeMissingException& operator=(const AttributeMissingException&) = default;
-    ~AttributeMissingException() override;
 
     Nuv::UniString GetText() const override;
 
@@ -92,9 +89,6 @@ class NUVXMLUTILS_API AttributesDontMatchException : public XMLCompareException
     AttributesDontMatchException(const xercesc_3_0::DOMNode* leftNode, const xercesc_3_0::DOMNode* rightNode,
                                  const xercesc_3_0::DOMAttr* leftAttribute,
                                  const xercesc_3_0::DOMAttr* rightAttribute);
-    AttributesDontMatchException(const AttributesDontMatchException&) = default;
-    AttributesDontMatchException& operator=(const AttributesDontMatchException&) = default;
-    ~AttributesDontMatchException() override;
 
     Nuv::UniString GetText() const override;
 
@@ -112,9 +106,6 @@ class NUVXMLUTILS_API NodeNamesDontMatchException : public XMLCompareException
 {
   public:
     NodeNamesDontMatchException(const xercesc_3_0::DOMNode* leftNode, const xercesc_3_0::DOMNode* rightNode);
-    NodeNamesDontMatchException(const NodeNamesDontMatchException&) = default;
-    NodeNamesDontMatchException& operator=(const NodeNamesDontMatchException&) = default;
-    ~NodeNamesDontMatchException() override;
 
     Nuv::UniString GetText() const override;
 };
@@ -124,9 +115,6 @@ class NUVXMLUTILS_API NodeTypesDontMatchException : public XMLCompareException
 {
   public:
     NodeTypesDontMatchException(const xercesc_3_0::DOMNode* leftNode, const xercesc_3_0::DOMNode* rightNode);
-    NodeTypesDontMatchException(const NodeTypesDontMatchException&) = default;
-    NodeTypesDontMatchException& operator=(const NodeTypesDontMatchException&) = default;
-    ~NodeTypesDontMatchException() override;
 
     Nuv::UniString GetText() const override;
 
@@ -142,9 +130,6 @@ class NUVXMLUTILS_API NotSupportedNodeTypesException : public XMLCompareExceptio
   public:
     NotSupportedNodeTypesException(const xercesc_3_0::DOMNode* leftNode,
                                    const xercesc_3_0::DOMNode* rightNode);
-    NotSupportedNodeTypesException(const NotSupportedNodeTypesException&) = default;
-    NotSupportedNodeTypesException& operator=(const NotSupportedNodeTypesException&) = default;
-    ~NotSupportedNodeTypesException() override;
 
     Nuv::UniString GetText() const override;
 
@@ -161,10 +146,6 @@ class NUVXMLUTILS_API OneNodeHasMoreChildrenThanTheOtherException : public XMLCo
     /// @param moreOn the side that has more children
     OneNodeHasMoreChildrenThanTheOtherException(const xercesc_3_0::DOMNode* leftNode,
                                                 const xercesc_3_0::DOMNode* rightNode, Side moreOn);
-    OneNodeHasMoreChildrenThanTheOtherException(const OneNodeHasMoreChildrenThanTheOtherException&) = default;
-    OneNodeHasMoreChildrenThanTheOtherException&
-    operator=(const OneNodeHasMoreChildrenThanTheOtherException&) = default;
-    ~OneNodeHasMoreChildrenThanTheOtherException() override;
 
     Nuv::UniString GetText() const override;
 
@@ -180,9 +161,6 @@ class NUVXMLUTILS_API OneNodeIsElementOneIsTextException : public NodeTypesDontM
   public:
     OneNodeIsElementOneIsTextException(const xercesc_3_0::DOMNode* leftNode,
                                        const xercesc_3_0::DOMNode* rightNode);
-    OneNodeIsElementOneIsTextException(const OneNodeIsElementOneIsTextException&) = default;
-    OneNodeIsElementOneIsTextException& operator=(const OneNodeIsElementOneIsTextException&) = default;
-    ~OneNodeIsElementOneIsTextException() override;
 
     Nuv::UniString GetText() const override;
 
@@ -199,9 +177,6 @@ class NUVXMLUTILS_API TextNodeValuesDontMatchException : public XMLCompareExcept
   public:
     TextNodeValuesDontMatchException(const xercesc_3_0::DOMNode* leftText,
                                      const xercesc_3_0::DOMNode* rightText);
-    TextNodeValuesDontMatchException(const TextNodeValuesDontMatchException&) = default;
-    TextNodeValuesDontMatchException& operator=(const TextNodeValuesDontMatchException&) = default;
-    ~TextNodeValuesDontMatchException() override;
 
     Nuv::UniString GetText() const override;
 
@@ -217,9 +192,6 @@ class NUVXMLUTILS_API NoElementsInDocumentException : public XMLCompareException
   public:
     /// @param emptySide the side of the document
     explicit NoElementsInDocumentException(Side emptySide);
-    NoElementsInDocumentException(const NoElementsInDocumentException&) = default;
-    NoElementsInDocumentException& operator=(const NoElementsInDocumentException&) = default;
-    ~NoElementsInDocumentException() override;
 
     Nuv::UniString GetText() const override;
 

@@ -9,6 +9,7 @@
 #include <xercesc/util/XMLString.hpp>
 
 #include <cmath>
+#include <utility>
 
 using xercesc_3_0::DOMAttr;
 using xercesc_3_0::DOMElement;
@@ -46,18 +47,6 @@ constexpr ValueType ValueTypes[] = {
 };
 
 } // namespace
-
-IXMLCompareOptions::IXMLCompareOptions() = default;
-IXMLCompareOptions::IXMLCompareOptions(const IXMLCompareOptions&) = default;
-IXMLCompareOptions& IXMLCompareOptions::operator=(const IXMLCompareOptions&) = default;
-IXMLCompareOptions::~IXMLCompareOptions() = default;
-
-StrictOrderAutoValueCompareOptions::StrictOrderAutoValueCompareOptions() = default;
-StrictOrderAutoValueCompareOptions::StrictOrderAutoValueCompareOptions(
-    const StrictOrderAutoValueCompareOptions&) = default;
-StrictOrderAutoValueCompareOptions&
-StrictOrderAutoValueCompareOptions::operator=(const StrictOrderAutoValueCompareOptions&) = default;
-StrictOrderAutoValueCompareOptions::~StrictOrderAutoValueCompareOptions() = default;
 
 double StrictOrderAutoValueCompareOptions::GetDoubleEps() const { return epsilon; }
 
@@ -98,11 +87,6 @@ XMLNodeComparator* StrictOrderAutoValueCompareOptions::PrepareNodeComparator(con
 
 bool StrictOrderAutoValueCompareOptions::CanOptionsChangeAndEffectNotChildNodes() const { return false; }
 
-AttrRuledCompareOptions::AttrRuledCompareOptions() = default;
-AttrRuledCompareOptions::AttrRuledCompareOptions(const AttrRuledCompareOptions&) = default;
-AttrRuledCompareOptions& AttrRuledCompareOptions::operator=(const AttrRuledCompareOptions&) = default;
-AttrRuledCompareOptions::~AttrRuledCompareOptions() = default;
-
 AttrRuledCompareOptions* AttrRuledCompareOptions::Clone() const { return new AttrRuledCompareOptions(*this); }
 
 XMLValueComparator* AttrRuledCompareOptions::GetValueComparator() const
@@ -123,23 +107,31 @@ XMLNodeComparator* AttrRuledCompareOptions::PrepareNodeComparator(const DOMEleme
 
 bool AttrRuledCompareOptions::CanOptionsChangeAndEffectNotChildNodes() const { return true; }
 
-void AttrRuledCompareOptions::SetTypeDeciderAtt(const Nuv::UniString& attributeName)
+void AttrRuledCompareOptions::SetMarkerName(Nuv::UniString MarkerNames::*which,
+                                            const Nuv::UniString& attributeName)
 {
-    typeAttribute = attributeName;
+    auto changed = std::make_shared<MarkerNames>(*markers);
+    (*changed).*which = attributeName;
+    markers = std::move(changed);
 }
 
-Nuv::UniString AttrRuledCompareOptions::GetTypeDeciderAtt() { return typeAttribute; }
+void AttrRuledCompareOptions::SetTypeDeciderAtt(const Nuv::UniString& attributeName)
+{
+    SetMarkerName(&MarkerNames::typeAttribute, attributeName);
+}
+
+Nuv::UniString AttrRuledCompareOptions::GetTypeDeciderAtt() { return markers->typeAttribute; }
 
 void AttrRuledCompareOptions::SetEpsAtt(const Nuv::UniString& attributeName)
 {
-    epsilonAttribute = attributeName;
+    SetMarkerName(&MarkerNames::epsilonAttribute, attributeName);
 }
 
-Nuv::UniString AttrRuledCompareOptions::GetEpsAtt() { return epsilonAttribute; }
+Nuv::UniString AttrRuledCompareOptions::GetEpsAtt() { return markers->epsilonAttribute; }
 
 const DOMAttr* AttrRuledCompareOptions::GetTypeAttribute(const DOMElement* element) const
 {
-    return FindAttribute(element, typeAttribute);
+    return FindAttribute(element, markers->typeAttribute);
 }
 
 void AttrRuledCompareOptions::SetCurrentValueType(const DOMElement* left, const DOMElement* right)
@@ -155,8 +147,8 @@ void AttrRuledCompareOptions::SetCurrentValueType(const DOMElement* left, const 
 
 void AttrRuledCompareOptions::DoValueTypeSpecificUpdates(const DOMElement* left, const DOMElement* right)
 {
-    const DOMAttr* const leftMarker = FindAttribute(left, epsilonAttribute);
-    const DOMAttr* const rightMarker = FindAttribute(right, epsilonAttribute);
+    const DOMAttr* const leftMarker = FindAttribute(left, markers->epsilonAttribute);
+    const DOMAttr* const rightMarker = FindAttribute(right, markers->epsilonAttribute);
     double leftEpsilon = 0.0;
     double rightEpsilon = 0.0;
     if (leftMarker && !Nuv::strtovalue(leftMarker->getValue(), leftEpsilon))

@@ -12,6 +12,8 @@
 #include <xercesc/dom/DOMNode.hpp>
 #include <xercesc/dom/DOMNodeFilter.hpp>
 
+#include <memory>
+
 namespace NuvXML
 {
 
@@ -31,10 +33,10 @@ NUVXMLUTILS_API void DoXMLCompare(const xercesc_3_0::DOMNode* left, const xerces
 class NUVXMLUTILS_API IXMLCompareOptions : public Nuv::SharedObject
 {
   public:
-    IXMLCompareOptions();
-    IXMLCompareOptions(const IXMLCompareOptions&);
-    IXMLCompareOptions& operator=(const IXMLCompareOptions&);
-    ~IXMLCompareOptions() override;
+    IXMLCompareOptions() = default;
+    IXMLCompareOptions(const IXMLCompareOptions&) = default;
+    IXMLCompareOptions& operator=(const IXMLCompareOptions&) = default;
+    ~IXMLCompareOptions() override = default;
 
   protected:
     /// A new object of the same class with the same settings, which nobody holds yet.
@@ -86,11 +88,6 @@ class NUVXMLUTILS_API IXMLCompareOptions : public Nuv::SharedObject
 class NUVXMLUTILS_API StrictOrderAutoValueCompareOptions : public IXMLCompareOptions
 {
   public:
-    StrictOrderAutoValueCompareOptions();
-    StrictOrderAutoValueCompareOptions(const StrictOrderAutoValueCompareOptions&);
-    StrictOrderAutoValueCompareOptions& operator=(const StrictOrderAutoValueCompareOptions&);
-    ~StrictOrderAutoValueCompareOptions() override;
-
     /// 1e-05 unless it was set.
     double GetDoubleEps() const override;
 
@@ -125,12 +122,6 @@ class NUVXMLUTILS_API StrictOrderAutoValueCompareOptions : public IXMLCompareOpt
 /// the marker off.
 class NUVXMLUTILS_API AttrRuledCompareOptions : public StrictOrderAutoValueCompareOptions
 {
-  public:
-    AttrRuledCompareOptions();
-    AttrRuledCompareOptions(const AttrRuledCompareOptions&);
-    AttrRuledCompareOptions& operator=(const AttrRuledCompareOptions&);
-    ~AttrRuledCompareOptions() override;
-
   protected:
     AttrRuledCompareOptions* Clone() const override;
     XMLValueComparator* GetValueComparator() const override;
@@ -157,8 +148,16 @@ class NUVXMLUTILS_API AttrRuledCompareOptions : public StrictOrderAutoValueCompa
                                             const xercesc_3_0::DOMElement* right);
 
   private:
-    Nuv::UniString epsilonAttribute{u"nuv_eps"};
-    Nuv::UniString typeAttribute{u"nuv_type"};
+    struct MarkerNames
+    {
+        Nuv::UniString epsilonAttribute{u"nuv_eps"};
+        Nuv::UniString typeAttribute{u"nuv_type"};
+    };
+
+    void SetMarkerName(Nuv::UniString MarkerNames::*which, const Nuv::UniString& attributeName);
+
+    /// Shared by all clones, of which there is one for each pair of elements.
+    std::shared_ptr<const MarkerNames> markers = std::make_shared<const MarkerNames>();
     Nuv::UniString currentValueType;
 };
 

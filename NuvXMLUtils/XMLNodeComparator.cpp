@@ -10,9 +10,8 @@
 
 #include <xercesc/dom/DOMNamedNodeMap.hpp>
 #include <xercesc/dom/DOMText.hpp>
+#include <xercesc/util/XMLString.hpp>
 
-#include <algorithm>
-#include <array>
 #include <memory>
 #include <string_view>
 
@@ -22,6 +21,7 @@ using xercesc_3_0::DOMNamedNodeMap;
 using xercesc_3_0::DOMNode;
 using xercesc_3_0::DOMText;
 using xercesc_3_0::DOMTreeWalker;
+using xercesc_3_0::XMLString;
 
 namespace NuvXML
 {
@@ -43,7 +43,7 @@ class PositionKeeper
     PositionKeeper& operator=(const PositionKeeper&) = delete;
     ~PositionKeeper() { PutBack(); }
 
-    void PutBack()
+    void PutBack() const
     {
         leftWalker.setCurrentNode(leftNode);
         rightWalker.setCurrentNode(rightNode);
@@ -64,24 +64,35 @@ class PositionKeeper
 class AttributeNames
 {
   public:
-    void Add(std::u16string_view name)
+    void Add(const XMLCh* name)
     {
-        if (count < first.size())
+        if (count < MaxFirst)
             first[count++] = name;
         else
-            others.insert(name);
+            AddToOthers(ViewOf(name));
     }
 
-    bool Contains(std::u16string_view name) const
+    bool Contains(const XMLCh* name) const
     {
-        const auto end = first.begin() + static_cast<std::ptrdiff_t>(count);
-        return std::find(first.begin(), end, name) != end || others.count(name) != 0;
+        for (size_t i = 0; i < count; ++i)
+            if (XMLString::equals(first[i], name))
+                return true;
+        return others && others->count(ViewOf(name)) != 0;
     }
 
   private:
-    std::array<std::u16string_view, 16> first;
+    static constexpr size_t MaxFirst = 16;
+
+    void AddToOthers(std::u16string_view name)
+    {
+        if (!others)
+            others = std::make_unique<Nuv::HashSet<std::u16string_view>>();
+        others->insert(name);
+    }
+
+    const XMLCh* first[MaxFirst];
     size_t count = 0;
-    Nuv::HashSet<std::u16string_view> others;
+    std::unique_ptr<Nuv::HashSet<std::u16string_view>> others;
 };
 
 const DOMText* TextOf(const DOMAttr* attribute)
@@ -95,9 +106,27 @@ const DOMAttr* AttributeAt(const DOMNamedNodeMap& attributes, XMLSize_t index)
     return static_cast<const DOMAttr*>(attributes.item(index));
 }
 
-bool AreBoth(DOMNode::NodeType type, const DOMNode* left, const DOMNode* right)
+enum class PairKind
 {
-    return left->getNodeType() == type && right->getNodeType() == type;
+    Texts,
+    Elements,
+    Others
+};
+
+PairKind KindOf(const DOMNode* left, const DOMNode* right)
+{
+    const DOMNode::NodeType type = left->getNodeType();
+    if (type != right->getNodeType())
+        return PairKind::Others;
+    switch (type)
+    {
+    case DOMNode::TEXT_NODE:
+        return PairKind::Texts;
+    case DOMNode::ELEMENT_NODE:
+        return PairKind::Elements;
+    default:
+        return PairKind::Others;
+    }
 }
 
 bool AreElementAndText(const DOMNode* left, const DOMNode* right)
@@ -110,11 +139,6 @@ bool AreElementAndText(const DOMNode* left, const DOMNode* right)
 
 } // namespace
 
-XMLNodeComparator::XMLNodeComparator() = default;
-XMLNodeComparator::XMLNodeComparator(const XMLNodeComparator&) = default;
-XMLNodeComparator& XMLNodeComparator::operator=(const XMLNodeComparator&) = default;
-XMLNodeComparator::~XMLNodeComparator() = default;
-
 void XMLNodeComparator::CompareNodes(DOMTreeWalker* left, DOMTreeWalker* right,
                                      IXMLCompareOptions& compareOptions)
 {
@@ -124,28 +148,35 @@ void XMLNodeComparator::CompareNodes(DOMTreeWalker* left, DOMTreeWalker* right,
     rightWalker = right;
     leftNode = pair.LeftNode();
     rightNode = pair.RightNode();
-    if (AreBoth(DOMNode::TEXT_NODE, leftNode, rightNode))
-        ControlNodeComparison();
-    else if (AreBoth(DOMNode::ELEMENT_NODE, leftNode, rightNode))
+    switch (KindOf(leftNode, rightNode))
     {
+    case PairKind::Texts:
+        ControlNodeComparison();
+        break;
+    case PairKind::Elements:
         if (!compareOptions.AreNodeNamesEqual(leftNode, rightNode))
             throw NodeNamesDontMatchException(leftNode, rightNode);
         CompareAttributes(static_cast<const DOMElement*>(leftNode), static_cast<const DOMElement*>(rightNode),
                           compareOptions);
         WalkThrough();
-    }
-    else
+        break;
+    case PairKind::Others:
         CompareOtherNodes(leftNode, rightNode);
+        break;
+    }
 }
 
 void XMLNodeComparator::ControlNodeComparison()
 {
-    PositionKeeper pair(*leftWalker, *rightWalker);
+    const PositionKeeper pair(*leftWalker, *rightWalker);
     const DOMNode* const left = pair.LeftNode();
     const DOMNode* const right = pair.RightNode();
-    if (AreBoth(DOMNode::TEXT_NODE, left, right))
+    switch (KindOf(left, right))
+    {
+    case PairKind::Texts:
         CompareTexts(static_cast<const DOMText*>(left), static_cast<const DOMText*>(right));
-    else if (AreBoth(DOMNode::ELEMENT_NODE, left, right))
+        break;
+    case PairKind::Elements:
     {
         const Nuv::Ref<IXMLCompareOptions> childOptions(
             options->CanOptionsChangeAndEffectNotChildNodes() ? options->Clone() : options);
@@ -153,9 +184,12 @@ void XMLNodeComparator::ControlNodeComparison()
             static_cast<const DOMElement*>(left), static_cast<const DOMElement*>(right)));
         pair.PutBack();
         comparator->CompareNodes(leftWalker, rightWalker, *childOptions);
+        break;
     }
-    else
+    case PairKind::Others:
         CompareOtherNodes(left, right);
+        break;
+    }
 }
 
 void XMLNodeComparator::CompareTexts(const DOMText* left, const DOMText* right) const
@@ -193,21 +227,15 @@ void XMLNodeComparator::CompareAttributes(const DOMElement* left, const DOMEleme
             compareOptions.GetAttributeValueComparator(leftAttribute));
         if (!comparator->CompareValues(TextOf(leftAttribute), TextOf(rightAttribute), compareOptions))
             throw AttributesDontMatchException(left, right, leftAttribute, rightAttribute);
-        compared.Add(ViewOf(leftAttribute->getName()));
+        compared.Add(leftAttribute->getName());
     }
     for (XMLSize_t i = 0; i < rightAttributes.getLength(); ++i)
     {
         const DOMAttr* const rightAttribute = AttributeAt(rightAttributes, i);
-        if (!compared.Contains(ViewOf(rightAttribute->getName())) &&
-            compareOptions.AcceptAttribute(rightAttribute))
+        if (!compared.Contains(rightAttribute->getName()) && compareOptions.AcceptAttribute(rightAttribute))
             throw AttributeMissingException(left, right, rightAttribute, XMLCompareException::Left);
     }
 }
-
-XMLCompareStrictOrder::XMLCompareStrictOrder() = default;
-XMLCompareStrictOrder::XMLCompareStrictOrder(const XMLCompareStrictOrder&) = default;
-XMLCompareStrictOrder& XMLCompareStrictOrder::operator=(const XMLCompareStrictOrder&) = default;
-XMLCompareStrictOrder::~XMLCompareStrictOrder() = default;
 
 void XMLCompareStrictOrder::WalkThrough()
 {
@@ -224,20 +252,10 @@ void XMLCompareStrictOrder::WalkThrough()
             LeftNode(), RightNode(), left ? XMLCompareException::Left : XMLCompareException::Right);
 }
 
-XMLCompareRotatedOrder::XMLCompareRotatedOrder() = default;
-XMLCompareRotatedOrder::XMLCompareRotatedOrder(const XMLCompareRotatedOrder&) = default;
-XMLCompareRotatedOrder& XMLCompareRotatedOrder::operator=(const XMLCompareRotatedOrder&) = default;
-XMLCompareRotatedOrder::~XMLCompareRotatedOrder() = default;
-
 void XMLCompareRotatedOrder::WalkThrough()
 {
     throw Nuv::NuvException(u"Rotated order walkthrough not yet supported.");
 }
-
-XMLCompareNoOrder::XMLCompareNoOrder() = default;
-XMLCompareNoOrder::XMLCompareNoOrder(const XMLCompareNoOrder&) = default;
-XMLCompareNoOrder& XMLCompareNoOrder::operator=(const XMLCompareNoOrder&) = default;
-XMLCompareNoOrder::~XMLCompareNoOrder() = default;
 
 void XMLCompareNoOrder::WalkThrough() { throw Nuv::NuvException(u"No-order walkthrough not yet supported."); }
 

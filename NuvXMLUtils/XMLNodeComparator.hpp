@@ -28,10 +28,10 @@ class NUVXMLUTILS_API XMLNodeComparator
     virtual void WalkThrough() = 0;
 
   public:
-    XMLNodeComparator();
-    XMLNodeComparator(const XMLNodeComparator&);
-    XMLNodeComparator& operator=(const XMLNodeComparator&);
-    virtual ~XMLNodeComparator();
+    XMLNodeComparator() = default;
+    XMLNodeComparator(const XMLNodeComparator&) = default;
+    XMLNodeComparator& operator=(const XMLNodeComparator&) = default;
+    virtual ~XMLNodeComparator() = default;
 
     /// Compares the two nodes on which the walkers stand, and everything below them.
     ///
@@ -75,12 +75,6 @@ class NUVXMLUTILS_API XMLNodeComparator
 /// Pairs children strictly by position, among the nodes that the filter of the walkers lets through.
 class NUVXMLUTILS_API XMLCompareStrictOrder : public XMLNodeComparator
 {
-  public:
-    XMLCompareStrictOrder();
-    XMLCompareStrictOrder(const XMLCompareStrictOrder&);
-    XMLCompareStrictOrder& operator=(const XMLCompareStrictOrder&);
-    ~XMLCompareStrictOrder() override;
-
   private:
     void WalkThrough() override;
 };
@@ -88,12 +82,6 @@ class NUVXMLUTILS_API XMLCompareStrictOrder : public XMLNodeComparator
 /// Declared but not supported: walking through children throws a Nuv::NuvException.
 class NUVXMLUTILS_API XMLCompareRotatedOrder : public XMLNodeComparator
 {
-  public:
-    XMLCompareRotatedOrder();
-    XMLCompareRotatedOrder(const XMLCompareRotatedOrder&);
-    XMLCompareRotatedOrder& operator=(const XMLCompareRotatedOrder&);
-    ~XMLCompareRotatedOrder() override;
-
   private:
     void WalkThrough() override;
 };
@@ -101,12 +89,6 @@ class NUVXMLUTILS_API XMLCompareRotatedOrder : public XMLNodeComparator
 /// Declared but not supported: walking through children throws a Nuv::NuvException.
 class NUVXMLUTILS_API XMLCompareNoOrder : public XMLNodeComparator
 {
-  public:
-    XMLCompareNoOrder();
-    XMLCompareNoOrder(const XMLCompareNoOrder&);
-    XMLCompareNoOrder& operator=(const XMLCompareNoOrder&);
-    ~XMLCompareNoOrder() override;
-
   private:
     void WalkThrough() override;
 };

@@ -31,11 +31,6 @@ bool IsWithinEpsilon(double difference, const IXMLCompareOptions* options)
 
 } // namespace
 
-XMLValueComparator::XMLValueComparator() = default;
-XMLValueComparator::XMLValueComparator(const XMLValueComparator&) = default;
-XMLValueComparator& XMLValueComparator::operator=(const XMLValueComparator&) = default;
-XMLValueComparator::~XMLValueComparator() = default;
-
 bool XMLValueComparator::CompareValues(const Nuv::UniString& left, const Nuv::UniString& right,
                                        const IXMLCompareOptions& compareOptions)
 {
@@ -66,28 +61,12 @@ std::u16string_view XMLValueComparator::RightValue() const
     return isTextNodeMode ? ValueOf(rightText) : rightString.View();
 }
 
-XMLCompareString::XMLCompareString() = default;
-XMLCompareString::XMLCompareString(const XMLCompareString&) = default;
-XMLCompareString& XMLCompareString::operator=(const XMLCompareString&) = default;
-XMLCompareString::~XMLCompareString() = default;
-
 bool XMLCompareString::IsEqual() const { return AreTextsEqual(LeftValue(), RightValue()); }
-
-XMLCompareStringCaseSensitive::XMLCompareStringCaseSensitive() = default;
-XMLCompareStringCaseSensitive::XMLCompareStringCaseSensitive(const XMLCompareStringCaseSensitive&) = default;
-XMLCompareStringCaseSensitive&
-XMLCompareStringCaseSensitive::operator=(const XMLCompareStringCaseSensitive&) = default;
-XMLCompareStringCaseSensitive::~XMLCompareStringCaseSensitive() = default;
 
 bool XMLCompareStringCaseSensitive::IsEqual() const
 {
     return Nuv::Trimmed(LeftValue()) == Nuv::Trimmed(RightValue());
 }
-
-XMLCompareInt::XMLCompareInt() = default;
-XMLCompareInt::XMLCompareInt(const XMLCompareInt&) = default;
-XMLCompareInt& XMLCompareInt::operator=(const XMLCompareInt&) = default;
-XMLCompareInt::~XMLCompareInt() = default;
 
 bool XMLCompareInt::IsEqual() const
 {
@@ -96,11 +75,6 @@ bool XMLCompareInt::IsEqual() const
     return Nuv::strtovalue(LeftValue(), left) && Nuv::strtovalue(RightValue(), right) && left == right;
 }
 
-XMLCompareDouble::XMLCompareDouble() = default;
-XMLCompareDouble::XMLCompareDouble(const XMLCompareDouble&) = default;
-XMLCompareDouble& XMLCompareDouble::operator=(const XMLCompareDouble&) = default;
-XMLCompareDouble::~XMLCompareDouble() = default;
-
 bool XMLCompareDouble::IsEqual() const
 {
     double left = 0.0;
@@ -108,11 +82,6 @@ bool XMLCompareDouble::IsEqual() const
     return Nuv::strtovalue(LeftValue(), left) && Nuv::strtovalue(RightValue(), right) &&
            IsWithinEpsilon(std::fabs(left - right), GetOptions());
 }
-
-XMLCompareAuto::XMLCompareAuto() = default;
-XMLCompareAuto::XMLCompareAuto(const XMLCompareAuto&) = default;
-XMLCompareAuto& XMLCompareAuto::operator=(const XMLCompareAuto&) = default;
-XMLCompareAuto::~XMLCompareAuto() = default;
 
 bool XMLCompareAuto::IsEqual() const
 {

@@ -27,10 +27,10 @@ class NUVXMLUTILS_API XMLValueComparator
     virtual bool IsEqual() const = 0;
 
   public:
-    XMLValueComparator();
-    XMLValueComparator(const XMLValueComparator&);
-    XMLValueComparator& operator=(const XMLValueComparator&);
-    virtual ~XMLValueComparator();
+    XMLValueComparator() = default;
+    XMLValueComparator(const XMLValueComparator&) = default;
+    XMLValueComparator& operator=(const XMLValueComparator&) = default;
+    virtual ~XMLValueComparator() = default;
 
     /// Copies the strings. `options` must outlive the use of this comparator.
     bool CompareValues(const Nuv::UniString& left, const Nuv::UniString& right,
@@ -61,12 +61,6 @@ class NUVXMLUTILS_API XMLValueComparator
 /// Equal without regard to case (full Unicode case folding) and to white space at both ends.
 class NUVXMLUTILS_API XMLCompareString : public XMLValueComparator
 {
-  public:
-    XMLCompareString();
-    XMLCompareString(const XMLCompareString&);
-    XMLCompareString& operator=(const XMLCompareString&);
-    ~XMLCompareString() override;
-
   private:
     bool IsEqual() const override;
 };
@@ -74,12 +68,6 @@ class NUVXMLUTILS_API XMLCompareString : public XMLValueComparator
 /// Equal but for white space at both ends.
 class NUVXMLUTILS_API XMLCompareStringCaseSensitive : public XMLCompareString
 {
-  public:
-    XMLCompareStringCaseSensitive();
-    XMLCompareStringCaseSensitive(const XMLCompareStringCaseSensitive&);
-    XMLCompareStringCaseSensitive& operator=(const XMLCompareStringCaseSensitive&);
-    ~XMLCompareStringCaseSensitive() override;
-
   private:
     bool IsEqual() const override;
 };
@@ -87,12 +75,6 @@ class NUVXMLUTILS_API XMLCompareStringCaseSensitive : public XMLCompareString
 /// Equal when both are 32-bit signed integers (see Nuv::strtovalue) of the same value.
 class NUVXMLUTILS_API XMLCompareInt : public XMLValueComparator
 {
-  public:
-    XMLCompareInt();
-    XMLCompareInt(const XMLCompareInt&);
-    XMLCompareInt& operator=(const XMLCompareInt&);
-    ~XMLCompareInt() override;
-
   private:
     bool IsEqual() const override;
 };
@@ -101,12 +83,6 @@ class NUVXMLUTILS_API XMLCompareInt : public XMLValueComparator
 /// the options, or is 0 when the epsilon is 0. A negative epsilon makes every pair a mismatch.
 class NUVXMLUTILS_API XMLCompareDouble : public XMLValueComparator
 {
-  public:
-    XMLCompareDouble();
-    XMLCompareDouble(const XMLCompareDouble&);
-    XMLCompareDouble& operator=(const XMLCompareDouble&);
-    ~XMLCompareDouble() override;
-
   private:
     bool IsEqual() const override;
 };
@@ -114,12 +90,6 @@ class NUVXMLUTILS_API XMLCompareDouble : public XMLValueComparator
 /// Compares like XMLCompareDouble when both values are numbers, else like XMLCompareString.
 class NUVXMLUTILS_API XMLCompareAuto : public XMLValueComparator
 {
-  public:
-    XMLCompareAuto();
-    XMLCompareAuto(const XMLCompareAuto&);
-    XMLCompareAuto& operator=(const XMLCompareAuto&);
-    ~XMLCompareAuto() override;
-
   private:
     bool IsEqual() const override;
 };
