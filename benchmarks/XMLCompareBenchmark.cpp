@@ -8,10 +8,9 @@
 #include <xercesc/parsers/XercesDOMParser.hpp>
 
 #include <cstddef>
-#include <cstdlib>
-#include <map>
-#include <memory>
+#include <functional>
 #include <string>
+#include <utility>
 
 namespace
 {
@@ -37,8 +36,8 @@ std::string ProjectText(size_t size, Markers markers)
         const std::string number = std::to_string(i);
         const bool isMarked = markers == Markers::Some && i % 4 == 0;
         text += "  <beam id=\"" + number + "\" layer=\"structure\">\n";
-        text += std::string("    <length") + (isMarked ? " nuv_type=\"double\" nuv_eps=\"0.001\"" : "") + ">" +
-                number + ".25</length>\n";
+        text += std::string("    <length") + (isMarked ? " nuv_type=\"double\" nuv_eps=\"0.001\"" : "") +
+                ">" + number + ".25</length>\n";
         text += "    <material>Concrete C" + std::to_string(i % 50) + "</material>\n";
         text += "    <section>\n      <width>0.3</width>\n      <height>0." + number + "</height>\n";
         text += "    </section>\n  </beam>\n";
@@ -63,14 +62,27 @@ Document Parse(const std::string& text)
     return Document(parser.adoptDocument());
 }
 
-struct TwoDocuments
+/// The same text parsed twice, when it is first asked for.
+class TwoDocuments
 {
-    explicit TwoDocuments(const std::string& text)
-        : left(Parse(text))
-        , right(Parse(text))
+  public:
+    explicit TwoDocuments(std::function<std::string()> makeText)
+        : text(std::move(makeText))
     {
     }
 
+    DOMDocument& Left() { return Get(left); }
+    DOMDocument& Right() { return Get(right); }
+
+  private:
+    DOMDocument& Get(Document& document)
+    {
+        if (!document)
+            document = Parse(text());
+        return *document;
+    }
+
+    std::function<std::string()> text;
     Document left;
     Document right;
 };
@@ -91,25 +103,29 @@ void WalkPair(DOMTreeWalker& left, DOMTreeWalker& right)
     right.setCurrentNode(rightNode);
 }
 
-void Walk(benchmark::State& state, const TwoDocuments& documents, DOMNodeFilter* filter)
+void Walk(benchmark::State& state, TwoDocuments& documents, DOMNodeFilter* filter)
 {
+    DOMDocument& left = documents.Left();
+    DOMDocument& right = documents.Right();
     for (auto _ : state)
     {
-        auto* const left = documents.left->createTreeWalker(documents.left->getDocumentElement(),
-                                                            DOMNodeFilter::SHOW_ALL, filter, false);
-        auto* const right = documents.right->createTreeWalker(documents.right->getDocumentElement(),
-                                                              DOMNodeFilter::SHOW_ALL, filter, false);
-        WalkPair(*left, *right);
+        auto* const leftWalker =
+            left.createTreeWalker(left.getDocumentElement(), DOMNodeFilter::SHOW_ALL, filter, false);
+        auto* const rightWalker =
+            right.createTreeWalker(right.getDocumentElement(), DOMNodeFilter::SHOW_ALL, filter, false);
+        WalkPair(*leftWalker, *rightWalker);
     }
 }
 
-void Compare(benchmark::State& state, const TwoDocuments& documents, DOMNodeFilter* filter,
+void Compare(benchmark::State& state, TwoDocuments& documents, DOMNodeFilter* filter,
              const NuvXML::IXMLCompareOptions& options)
 {
+    const DOMDocument& left = documents.Left();
+    const DOMDocument& right = documents.Right();
     for (auto _ : state)
     {
         NuvXML::XMLCompareStrictOrder comparator;
-        NuvXML::DoXMLCompare(documents.left.get(), documents.right.get(), &comparator, filter, options);
+        NuvXML::DoXMLCompare(&left, &right, &comparator, filter, options);
     }
 }
 
@@ -119,23 +135,25 @@ constexpr size_t Megabyte = 1'000'000;
 
 int main(int argc, char** argv)
 {
-    const TwoDocuments plain(ProjectText(15 * Megabyte, Markers::None));
-    const TwoDocuments marked(ProjectText(15 * Megabyte, Markers::Some));
-    const TwoDocuments small(ProjectText(1 * Megabyte, Markers::None));
-    const TwoDocuments large(ProjectText(64 * Megabyte, Markers::None));
-    const TwoDocuments fewAttributes(TextWithAttributes(1'000));
-    const TwoDocuments manyAttributes(TextWithAttributes(10'000));
+    TwoDocuments plain([] { return ProjectText(15 * Megabyte, Markers::None); });
+    TwoDocuments marked([] { return ProjectText(15 * Megabyte, Markers::Some); });
+    TwoDocuments small([] { return ProjectText(1 * Megabyte, Markers::None); });
+    TwoDocuments large([] { return ProjectText(64 * Megabyte, Markers::None); });
+    TwoDocuments fewAttributes([] { return TextWithAttributes(1'000); });
+    TwoDocuments manyAttributes([] { return TextWithAttributes(10'000); });
     const NuvXML::StrictOrderAutoValueCompareOptions standard;
     const NuvXML::AttrRuledCompareOptions markers;
     NuvXML::SkipWhitespaceTextsCompareFilter filter;
 
-    const auto walk = [](const char* name, const TwoDocuments& documents, DOMNodeFilter* nodeFilter) {
+    const auto walk = [](const char* name, TwoDocuments& documents, DOMNodeFilter* nodeFilter)
+    {
         benchmark::RegisterBenchmark(name, [&documents, nodeFilter](benchmark::State& state)
                                      { Walk(state, documents, nodeFilter); })
             ->Unit(benchmark::kMillisecond);
     };
-    const auto compare = [](const char* name, const TwoDocuments& documents, DOMNodeFilter* nodeFilter,
-                            const NuvXML::IXMLCompareOptions& options) {
+    const auto compare = [](const char* name, TwoDocuments& documents, DOMNodeFilter* nodeFilter,
+                            const NuvXML::IXMLCompareOptions& options)
+    {
         benchmark::RegisterBenchmark(name, [&documents, nodeFilter, &options](benchmark::State& state)
                                      { Compare(state, documents, nodeFilter, options); })
             ->Unit(benchmark::kMillisecond);
