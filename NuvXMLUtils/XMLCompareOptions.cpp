@@ -14,6 +14,7 @@
 using xercesc_3_0::DOMAttr;
 using xercesc_3_0::DOMElement;
 using xercesc_3_0::DOMNode;
+using xercesc_3_0::XMLString;
 
 namespace NuvXML
 {
@@ -27,24 +28,6 @@ const DOMAttr* FindAttribute(const DOMElement* element, const Nuv::UniString& na
 {
     return element && !name.IsEmpty() ? element->getAttributeNode(name.ToUTF16()) : nullptr;
 }
-
-template <class Comparator>
-XMLValueComparator* NewComparator()
-{
-    return new Comparator;
-}
-
-struct ValueType
-{
-    std::u16string_view word;
-    XMLValueComparator* (*newComparator)();
-};
-
-constexpr ValueType ValueTypes[] = {
-    {u"int", NewComparator<XMLCompareInt>},
-    {u"double", NewComparator<XMLCompareDouble>},
-    {u"string", NewComparator<XMLCompareString>},
-};
 
 } // namespace
 
@@ -61,7 +44,10 @@ bool StrictOrderAutoValueCompareOptions::AcceptAttribute(const DOMAttr*) const {
 
 bool StrictOrderAutoValueCompareOptions::AreNodeNamesEqual(const DOMNode* left, const DOMNode* right) const
 {
-    return Nuv::EqualIgnoringCase(ViewOf(left->getNodeName()), ViewOf(right->getNodeName()));
+    const XMLCh* const leftName = left->getNodeName();
+    const XMLCh* const rightName = right->getNodeName();
+    return XMLString::equals(leftName, rightName) ||
+           Nuv::EqualIgnoringCase(ViewOf(leftName), ViewOf(rightName));
 }
 
 void StrictOrderAutoValueCompareOptions::CompareSpecialTypeNodes(const DOMNode* left, const DOMNode* right)
@@ -89,18 +75,36 @@ bool StrictOrderAutoValueCompareOptions::CanOptionsChangeAndEffectNotChildNodes(
 
 AttrRuledCompareOptions* AttrRuledCompareOptions::Clone() const { return new AttrRuledCompareOptions(*this); }
 
+AttrRuledCompareOptions::ValueType AttrRuledCompareOptions::ValueTypeNamed(std::u16string_view word)
+{
+    if (Nuv::EqualIgnoringCase(word, u"int"))
+        return ValueType::Int;
+    if (Nuv::EqualIgnoringCase(word, u"double"))
+        return ValueType::Double;
+    if (Nuv::EqualIgnoringCase(word, u"string"))
+        return ValueType::String;
+    return ValueType::Auto;
+}
+
 XMLValueComparator* AttrRuledCompareOptions::GetValueComparator() const
 {
-    for (const ValueType& type : ValueTypes)
-        if (Nuv::EqualIgnoringCase(currentValueType.View(), type.word))
-            return type.newComparator();
-    return new XMLCompareAuto;
+    switch (currentValueType)
+    {
+    case ValueType::Int:
+        return new XMLCompareInt;
+    case ValueType::Double:
+        return new XMLCompareDouble;
+    case ValueType::String:
+        return new XMLCompareString;
+    default:
+        return new XMLCompareAuto;
+    }
 }
 
 XMLNodeComparator* AttrRuledCompareOptions::PrepareNodeComparator(const DOMElement* left,
                                                                   const DOMElement* right)
 {
-    currentValueType = Nuv::UniString();
+    currentValueType = ValueType::Auto;
     SetCurrentValueType(left, right);
     return new XMLCompareStrictOrder;
 }
@@ -138,10 +142,10 @@ void AttrRuledCompareOptions::SetCurrentValueType(const DOMElement* left, const 
 {
     const DOMAttr* const leftType = GetTypeAttribute(left);
     const DOMAttr* const rightType = GetTypeAttribute(right);
-    const bool disagree = leftType && rightType &&
-                          xercesc_3_0::XMLString::compareIString(leftType->getValue(), rightType->getValue());
+    const bool disagree =
+        leftType && rightType && XMLString::compareIString(leftType->getValue(), rightType->getValue());
     if (const DOMAttr* const type = leftType ? leftType : rightType; type && !disagree)
-        currentValueType = Nuv::UniString(type->getValue());
+        currentValueType = ValueTypeNamed(ViewOf(type->getValue()));
     DoValueTypeSpecificUpdates(left, right);
 }
 

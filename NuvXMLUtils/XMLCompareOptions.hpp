@@ -13,6 +13,7 @@
 #include <xercesc/dom/DOMNodeFilter.hpp>
 
 #include <memory>
+#include <string_view>
 
 namespace NuvXML
 {
@@ -148,17 +149,26 @@ class NUVXMLUTILS_API AttrRuledCompareOptions : public StrictOrderAutoValueCompa
                                             const xercesc_3_0::DOMElement* right);
 
   private:
+    enum class ValueType
+    {
+        Auto,
+        Int,
+        Double,
+        String
+    };
+
     struct MarkerNames
     {
         Nuv::UniString epsilonAttribute{u"nuv_eps"};
         Nuv::UniString typeAttribute{u"nuv_type"};
     };
 
+    static ValueType ValueTypeNamed(std::u16string_view word);
     void SetMarkerName(Nuv::UniString MarkerNames::*which, const Nuv::UniString& attributeName);
 
     /// Shared by all clones, of which there is one for each pair of elements.
     std::shared_ptr<const MarkerNames> markers = std::make_shared<const MarkerNames>();
-    Nuv::UniString currentValueType;
+    ValueType currentValueType = ValueType::Auto;
 };
 
 } // namespace NuvXML

@@ -41,9 +41,7 @@ class PositionKeeper
     }
     PositionKeeper(const PositionKeeper&) = delete;
     PositionKeeper& operator=(const PositionKeeper&) = delete;
-    ~PositionKeeper() { PutBack(); }
-
-    void PutBack() const
+    ~PositionKeeper()
     {
         leftWalker.setCurrentNode(leftNode);
         rightWalker.setCurrentNode(rightNode);
@@ -168,9 +166,8 @@ void XMLNodeComparator::CompareNodes(DOMTreeWalker* left, DOMTreeWalker* right,
 
 void XMLNodeComparator::ControlNodeComparison()
 {
-    const PositionKeeper pair(*leftWalker, *rightWalker);
-    const DOMNode* const left = pair.LeftNode();
-    const DOMNode* const right = pair.RightNode();
+    DOMNode* const left = leftWalker->getCurrentNode();
+    DOMNode* const right = rightWalker->getCurrentNode();
     switch (KindOf(left, right))
     {
     case PairKind::Texts:
@@ -182,7 +179,9 @@ void XMLNodeComparator::ControlNodeComparison()
             options->CanOptionsChangeAndEffectNotChildNodes() ? options->Clone() : options);
         const std::unique_ptr<XMLNodeComparator> comparator(childOptions->PrepareNodeComparator(
             static_cast<const DOMElement*>(left), static_cast<const DOMElement*>(right)));
-        pair.PutBack();
+        leftWalker->setCurrentNode(left);
+        rightWalker->setCurrentNode(right);
+        // Puts the walkers back to this pair; nothing else here moves them.
         comparator->CompareNodes(leftWalker, rightWalker, *childOptions);
         break;
     }
