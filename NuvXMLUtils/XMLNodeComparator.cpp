@@ -135,6 +135,16 @@ bool AreElementAndText(const DOMNode* left, const DOMNode* right)
            (leftType == DOMNode::TEXT_NODE && rightType == DOMNode::ELEMENT_NODE);
 }
 
+/// What `walker.nextSibling()` gives on `child`. At the last child a walker asks the parent and the filter
+/// whether children of further nodes follow, which takes as long as the rest of the pair. The only child of
+/// an element, such as its text, needs no asking.
+const DOMNode* NextSibling(DOMTreeWalker& walker, const DOMNode* child, const DOMNode* parent)
+{
+    if (child == parent->getFirstChild() && !child->getNextSibling())
+        return nullptr;
+    return walker.nextSibling();
+}
+
 } // namespace
 
 void XMLNodeComparator::CompareNodes(DOMTreeWalker* left, DOMTreeWalker* right,
@@ -243,8 +253,8 @@ void XMLCompareStrictOrder::WalkThrough()
     while (left && right)
     {
         ControlNodeComparison();
-        left = LeftWalker()->nextSibling();
-        right = RightWalker()->nextSibling();
+        left = NextSibling(*LeftWalker(), left, LeftNode());
+        right = NextSibling(*RightWalker(), right, RightNode());
     }
     if (left || right)
         throw OneNodeHasMoreChildrenThanTheOtherException(
