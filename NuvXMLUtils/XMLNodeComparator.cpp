@@ -147,11 +147,10 @@ const DOMNode* NextSibling(DOMTreeWalker& walker, const DOMNode* child, const DO
 
 } // namespace
 
-void XMLNodeComparator::CompareNodes(DOMTreeWalker* left, DOMTreeWalker* right,
-                                     IXMLCompareOptions& compareOptions)
+void XMLNodeComparator::CompareNodes(DOMTreeWalker* left, DOMTreeWalker* right, IXMLCompareOptions& options)
 {
     const PositionKeeper pair(*left, *right);
-    options = &compareOptions;
+    optionsInForce = &options;
     leftWalker = left;
     rightWalker = right;
     leftNode = pair.LeftNode();
@@ -162,10 +161,10 @@ void XMLNodeComparator::CompareNodes(DOMTreeWalker* left, DOMTreeWalker* right,
         ControlNodeComparison();
         break;
     case PairKind::Elements:
-        if (!compareOptions.AreNodeNamesEqual(leftNode, rightNode))
+        if (!options.AreNodeNamesEqual(leftNode, rightNode))
             throw NodeNamesDontMatchException(leftNode, rightNode);
         CompareAttributes(static_cast<const DOMElement*>(leftNode), static_cast<const DOMElement*>(rightNode),
-                          compareOptions);
+                          options);
         WalkThrough();
         break;
     case PairKind::Others:
@@ -186,7 +185,8 @@ void XMLNodeComparator::ControlNodeComparison()
     case PairKind::Elements:
     {
         const Nuv::Ref<IXMLCompareOptions> childOptions(
-            options->CanOptionsChangeAndEffectNotChildNodes() ? options->Clone() : options);
+            optionsInForce->CanOptionsChangeAndEffectNotChildNodes() ? optionsInForce->Clone()
+                                                                     : optionsInForce);
         const std::unique_ptr<XMLNodeComparator> comparator(childOptions->PrepareNodeComparator(
             static_cast<const DOMElement*>(left), static_cast<const DOMElement*>(right)));
         leftWalker->setCurrentNode(left);
@@ -203,8 +203,8 @@ void XMLNodeComparator::ControlNodeComparison()
 
 void XMLNodeComparator::CompareTexts(const DOMText* left, const DOMText* right) const
 {
-    const std::unique_ptr<XMLValueComparator> comparator(options->GetValueComparator());
-    if (!comparator->CompareValues(left, right, *options))
+    const std::unique_ptr<XMLValueComparator> comparator(optionsInForce->GetValueComparator());
+    if (!comparator->CompareValues(left, right, *optionsInForce))
         throw TextNodeValuesDontMatchException(left, right);
 }
 
@@ -214,11 +214,11 @@ void XMLNodeComparator::CompareOtherNodes(const DOMNode* left, const DOMNode* ri
         throw OneNodeIsElementOneIsTextException(left, right);
     if (left->getNodeType() != right->getNodeType())
         throw NodeTypesDontMatchException(left, right);
-    options->CompareSpecialTypeNodes(left, right);
+    optionsInForce->CompareSpecialTypeNodes(left, right);
 }
 
 void XMLNodeComparator::CompareAttributes(const DOMElement* left, const DOMElement* right,
-                                          const IXMLCompareOptions& compareOptions)
+                                          const IXMLCompareOptions& options)
 {
     const DOMNamedNodeMap& leftAttributes = *left->getAttributes();
     const DOMNamedNodeMap& rightAttributes = *right->getAttributes();
@@ -226,22 +226,22 @@ void XMLNodeComparator::CompareAttributes(const DOMElement* left, const DOMEleme
     for (XMLSize_t i = 0; i < leftAttributes.getLength(); ++i)
     {
         const DOMAttr* const leftAttribute = AttributeAt(leftAttributes, i);
-        if (!compareOptions.AcceptAttribute(leftAttribute))
+        if (!options.AcceptAttribute(leftAttribute))
             continue;
         const auto* const rightAttribute =
             static_cast<const DOMAttr*>(rightAttributes.getNamedItem(leftAttribute->getName()));
         if (!rightAttribute)
             throw AttributeMissingException(left, right, leftAttribute, XMLCompareException::Right);
         const std::unique_ptr<XMLValueComparator> comparator(
-            compareOptions.GetAttributeValueComparator(leftAttribute));
-        if (!comparator->CompareValues(TextOf(leftAttribute), TextOf(rightAttribute), compareOptions))
+            options.GetAttributeValueComparator(leftAttribute));
+        if (!comparator->CompareValues(TextOf(leftAttribute), TextOf(rightAttribute), options))
             throw AttributesDontMatchException(left, right, leftAttribute, rightAttribute);
         compared.Add(leftAttribute->getName());
     }
     for (XMLSize_t i = 0; i < rightAttributes.getLength(); ++i)
     {
         const DOMAttr* const rightAttribute = AttributeAt(rightAttributes, i);
-        if (!compared.Contains(rightAttribute->getName()) && compareOptions.AcceptAttribute(rightAttribute))
+        if (!compared.Contains(rightAttribute->getName()) && options.AcceptAttribute(rightAttribute))
             throw AttributeMissingException(left, right, rightAttribute, XMLCompareException::Left);
     }
 }

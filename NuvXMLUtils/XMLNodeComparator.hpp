@@ -35,11 +35,11 @@ class NUVXMLUTILS_API XMLNodeComparator
 
     /// Compares the two nodes on which the walkers stand, and everything below them.
     ///
-    /// The caller holds `compareOptions` by a Nuv::Ref during the call: the levels below take and drop
+    /// The caller holds `options` by a Nuv::Ref during the call: the levels below take and drop
     /// references to the same object, and an object that nobody else holds would die with the first of them.
     /// @throws an XMLCompareException at the first difference
     void CompareNodes(xercesc_3_0::DOMTreeWalker* left, xercesc_3_0::DOMTreeWalker* right,
-                      IXMLCompareOptions& compareOptions);
+                      IXMLCompareOptions& options);
 
     /// Compares the two nodes on which the walkers stand now: text by a value comparator of the options,
     /// elements by a new node comparator of the options. To be called by WalkThrough, inside CompareNodes.
@@ -49,11 +49,11 @@ class NUVXMLUTILS_API XMLNodeComparator
     /// Compares the attributes that the options accept, in any order.
     /// @throws AttributeMissingException, AttributesDontMatchException
     static void CompareAttributes(const xercesc_3_0::DOMElement* left, const xercesc_3_0::DOMElement* right,
-                                  const IXMLCompareOptions& compareOptions);
+                                  const IXMLCompareOptions& options);
 
   protected:
     // All null before the first CompareNodes.
-    IXMLCompareOptions* GetOptions() const { return options; }
+    IXMLCompareOptions* GetOptions() const { return optionsInForce; }
     xercesc_3_0::DOMTreeWalker* LeftWalker() const { return leftWalker; }
     xercesc_3_0::DOMTreeWalker* RightWalker() const { return rightWalker; }
 
@@ -65,7 +65,7 @@ class NUVXMLUTILS_API XMLNodeComparator
     void CompareTexts(const xercesc_3_0::DOMText* left, const xercesc_3_0::DOMText* right) const;
     void CompareOtherNodes(const xercesc_3_0::DOMNode* left, const xercesc_3_0::DOMNode* right) const;
 
-    IXMLCompareOptions* options = nullptr;
+    IXMLCompareOptions* optionsInForce = nullptr;
     xercesc_3_0::DOMTreeWalker* leftWalker = nullptr;
     xercesc_3_0::DOMTreeWalker* rightWalker = nullptr;
     const xercesc_3_0::DOMNode* leftNode = nullptr;

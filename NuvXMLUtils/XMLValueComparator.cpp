@@ -32,21 +32,21 @@ bool IsWithinEpsilon(double difference, const IXMLCompareOptions* options)
 } // namespace
 
 bool XMLValueComparator::CompareValues(const Nuv::UniString& left, const Nuv::UniString& right,
-                                       const IXMLCompareOptions& compareOptions)
+                                       const IXMLCompareOptions& options)
 {
     leftString = left;
     rightString = right;
-    options = &compareOptions;
+    optionsInForce = &options;
     isTextNodeMode = false;
     return IsEqual();
 }
 
 bool XMLValueComparator::CompareValues(const DOMText* left, const DOMText* right,
-                                       const IXMLCompareOptions& compareOptions)
+                                       const IXMLCompareOptions& options)
 {
     leftText = left;
     rightText = right;
-    options = &compareOptions;
+    optionsInForce = &options;
     isTextNodeMode = true;
     return IsEqual();
 }

@@ -34,12 +34,12 @@ class NUVXMLUTILS_API XMLValueComparator
 
     /// Copies the strings. `options` must outlive the use of this comparator.
     bool CompareValues(const Nuv::UniString& left, const Nuv::UniString& right,
-                       const IXMLCompareOptions& compareOptions);
+                       const IXMLCompareOptions& options);
 
     /// Compares the node values; a null node has the empty value. Nodes and options must outlive the use of
     /// this comparator.
     bool CompareValues(const xercesc_3_0::DOMText* left, const xercesc_3_0::DOMText* right,
-                       const IXMLCompareOptions& compareOptions);
+                       const IXMLCompareOptions& options);
 
   protected:
     /// The current values, as they stand. Valid until the next CompareValues.
@@ -47,10 +47,10 @@ class NUVXMLUTILS_API XMLValueComparator
     std::u16string_view RightValue() const;
 
     /// Null before the first CompareValues.
-    const IXMLCompareOptions* GetOptions() const { return options; }
+    const IXMLCompareOptions* GetOptions() const { return optionsInForce; }
 
   private:
-    const IXMLCompareOptions* options = nullptr;
+    const IXMLCompareOptions* optionsInForce = nullptr;
     const xercesc_3_0::DOMText* leftText = nullptr;
     const xercesc_3_0::DOMText* rightText = nullptr;
     Nuv::UniString leftString;
