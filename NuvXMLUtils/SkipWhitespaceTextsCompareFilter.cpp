@@ -4,8 +4,13 @@
 #include "NuvXMLUtils/TextView.hpp"
 
 #include <xercesc/dom/DOMNode.hpp>
+#include <xercesc/dom/DOMText.hpp>
+
+#include <atomic>
+#include <typeinfo>
 
 using xercesc_3_0::DOMNode;
+using xercesc_3_0::DOMText;
 
 namespace NuvXML
 {
@@ -19,6 +24,20 @@ bool IsBlank(std::u16string_view text)
     return start == std::u16string_view::npos || Nuv::Trimmed(text.substr(start)).empty();
 }
 
+/// Whether a node of text type is a text node of Xerces. A cast takes long, and text nodes are nearly always
+/// of the same class, so the class that was seen last is looked at first.
+bool IsDOMText(const DOMNode& node)
+{
+    static std::atomic<const std::type_info*> lastSeen;
+    const std::type_info* const type = &typeid(node);
+    if (type == lastSeen.load(std::memory_order_relaxed))
+        return true;
+    if (!dynamic_cast<const DOMText*>(&node))
+        return false;
+    lastSeen.store(type, std::memory_order_relaxed);
+    return true;
+}
+
 } // namespace
 
 xercesc_3_0::DOMNodeFilter::FilterAction
@@ -29,7 +48,7 @@ SkipWhitespaceTextsCompareFilter::acceptNode(const DOMNode* node) const
     case DOMNode::ELEMENT_NODE:
         return FILTER_ACCEPT;
     case DOMNode::TEXT_NODE:
-        return IsBlank(ViewOf(node->getNodeValue())) ? FILTER_SKIP : FILTER_ACCEPT;
+        return IsBlank(ViewOf(node->getNodeValue())) && IsDOMText(*node) ? FILTER_SKIP : FILTER_ACCEPT;
     default:
         return FILTER_REJECT;
     }

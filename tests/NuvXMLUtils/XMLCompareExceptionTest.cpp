@@ -1,7 +1,8 @@
 #include "CompareSupport.hpp"
 
 #include "NuvRoot/Exceptions.hpp"
-
+#include "tests/support/LocalCodePageScope.hpp"
+#include "tests/support/VirtualSlots.hpp"
 
 #include <type_traits>
 
@@ -31,6 +32,12 @@ TEST(XMLCompareException, TellsAnUndefinedProblemAtBothNodes)
     const TwoDocuments documents;
     EXPECT_EQ(XMLCompareException(documents.LeftB(), documents.RightD()).GetText(),
               u"Diff at nodes:\n\t- a/b\n\t- c/d\n\tUndefined problem.");
+}
+
+TEST(XMLCompareException, HasGetTextBehindItsDestructor)
+{
+    EXPECT_EQ(NuvTest::SlotOf(&XMLCompareException::GetText), 2u);
+    EXPECT_EQ(NuvTest::SlotOf(&OneNodeIsElementOneIsTextException::GetText), 2u);
 }
 
 TEST(XMLCompareException, HasEmptyPathsByDefaultAndForNullNodes)
@@ -105,15 +112,14 @@ TEST(XMLCompareException, CopiesEveryFieldWhenAssigned)
 
 TEST(XMLCompareException, ShowsCharactersThatTheLocalCodePageLacksAsQuestionMarksInItsTextOnly)
 {
-    Nuv::SetLocalCodePage("windows-1252");
+    const NuvTest::LocalCodePageScope codePage("windows-1252");
     const auto left = Parse("<a>\xCE\xB1\xC3\xA9</a>"); // alpha, e acute
     const auto right = Parse("<a/>");
     const OneNodeIsElementOneIsTextException difference(left->getDocumentElement()->getFirstChild(),
                                                         right->getDocumentElement());
-    const Nuv::UniString text = difference.GetText();
-    Nuv::SetLocalCodePage("UTF-8");
-    EXPECT_EQ(text, u"Node type mismatch at nodes:\n\t- a/#text\n\t- a\n\tOne node is Element, the other is "
-                    u"Text.\n\tThe value of the text is \"?\u00E9\".");
+    EXPECT_EQ(difference.GetText(),
+              u"Node type mismatch at nodes:\n\t- a/#text\n\t- a\n\tOne node is Element, the other is "
+              u"Text.\n\tThe value of the text is \"?\u00E9\".");
     EXPECT_EQ(difference.GetTextValue(), u"\u03B1\u00E9");
 }
 

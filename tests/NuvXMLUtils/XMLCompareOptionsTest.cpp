@@ -1,4 +1,5 @@
 #include "CompareSupport.hpp"
+#include "ForeignText.hpp"
 #include "tests/support/VirtualSlots.hpp"
 
 #include <xercesc/dom/DOMEntityReference.hpp>
@@ -330,6 +331,18 @@ TEST(SkipWhitespaceTextsCompareFilter, SkipsTextOfWhiteSpaceOnly)
     EXPECT_EQ(ActionFor("<a> \xC2\xA0\xE3\x80\x80 </a>"), DOMNodeFilter::FILTER_SKIP);
     EXPECT_EQ(SkipWhitespaceTextsCompareFilter().acceptNode(EmptyDocument()->createTextNode(u"")),
               DOMNodeFilter::FILTER_SKIP);
+}
+
+TEST(SkipWhitespaceTextsCompareFilter, AcceptsBlankTextOfAnotherImplementationOfTheDOM)
+{
+    const SkipWhitespaceTextsCompareFilter filter;
+    const Document document = EmptyDocument();
+    for (int i = 0; i < 2; ++i)
+    {
+        EXPECT_EQ(filter.acceptNode(document->createTextNode(u" ")), DOMNodeFilter::FILTER_SKIP);
+        const ForeignText foreign(u" ");
+        EXPECT_EQ(filter.acceptNode(&foreign), DOMNodeFilter::FILTER_ACCEPT);
+    }
 }
 
 TEST(SkipWhitespaceTextsCompareFilter, RejectsEverythingElse)
