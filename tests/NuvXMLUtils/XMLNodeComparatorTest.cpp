@@ -2,6 +2,8 @@
 
 #include "NuvRoot/Exceptions.hpp"
 
+#include <xercesc/dom/DOMEntityReference.hpp>
+
 #include <pthread.h>
 
 #include <algorithm>
@@ -339,6 +341,15 @@ TEST(CompareAttributes, TakesAnAttributeWithoutTextForAnEmptyOne)
     EXPECT_THROW(Compare(byHand, Parse("<a k='x'/>")), AttributesDontMatchException);
 }
 
+TEST(CompareAttributes, TakesAnAttributeThatBeginsWithAnEntityReferenceForAnEmptyOne)
+{
+    const Document byHand = Parse("<a/>");
+    DOMAttr* const attribute = byHand->createAttribute(u"k");
+    attribute->appendChild(static_cast<DOMNode*>(byHand->createEntityReference(u"x")));
+    byHand->getDocumentElement()->setAttributeNode(attribute);
+    EXPECT_NO_THROW(Compare(byHand, Parse("<a k=''/>")));
+}
+
 TEST(CompareAttributes, ComparesQualifiedNames)
 {
     ExpectDifferent<AttributeMissingException>("<a xmlns:p='u' p:k='1'/>", "<a xmlns:p='u' k='1'/>");
@@ -460,6 +471,45 @@ TEST(ControlNodeComparison, LeavesTheWalkersOnThePairOfChildrenSoThatAStrategyCa
     GoingOn comparator(stops);
     DoXMLCompare(left.get(), right.get(), &comparator, nullptr, Standard());
     EXPECT_EQ(stops, (std::vector<Nuv::UniString>{u"b", u"#text", u"d", u"e"}));
+}
+
+/// Looks ahead with the walkers while it prepares a pair, and leaves them there.
+class LookingAhead : public Standard
+{
+  public:
+    LookingAhead(DOMTreeWalker& left, DOMTreeWalker& right)
+        : leftWalker(left)
+        , rightWalker(right)
+    {
+    }
+
+  protected:
+    LookingAhead* Clone() const override { return new LookingAhead(*this); }
+    XMLNodeComparator* PrepareNodeComparator(const DOMElement*, const DOMElement*) override
+    {
+        leftWalker.lastChild();
+        rightWalker.lastChild();
+        return new XMLCompareStrictOrder;
+    }
+
+  private:
+    DOMTreeWalker& leftWalker;
+    DOMTreeWalker& rightWalker;
+};
+
+TEST(ControlNodeComparison, ComparesThePairWhereverItsPreparationLeavesTheWalkers)
+{
+    const Document left = Parse("<a><b><c>x</c><d/></b><e/></a>");
+    const Document right = Parse("<a><b><c>y</c><d/></b><e/></a>");
+    const auto compare = [](const Document& one, const Document& other)
+    {
+        DOMTreeWalker* const oneWalker = NewWalker(one);
+        DOMTreeWalker* const otherWalker = NewWalker(other);
+        const Nuv::Ref<LookingAhead> options(new LookingAhead(*oneWalker, *otherWalker));
+        XMLCompareStrictOrder().CompareNodes(oneWalker, otherWalker, *options);
+    };
+    EXPECT_THROW(compare(left, right), TextNodeValuesDontMatchException);
+    EXPECT_NO_THROW(compare(left, left));
 }
 
 // Options of a caller.
