@@ -189,9 +189,7 @@ void XMLNodeComparator::ControlNodeComparison()
                                                                      : optionsInForce);
         const std::unique_ptr<XMLNodeComparator> comparator(childOptions->PrepareNodeComparator(
             static_cast<const DOMElement*>(left), static_cast<const DOMElement*>(right)));
-        leftWalker->setCurrentNode(left);
-        rightWalker->setCurrentNode(right);
-        // Puts the walkers back to this pair; nothing else here moves them.
+        StandOn(left, right);
         comparator->CompareNodes(leftWalker, rightWalker, *childOptions);
         break;
     }
@@ -199,6 +197,13 @@ void XMLNodeComparator::ControlNodeComparison()
         CompareOtherNodes(left, right);
         break;
     }
+    StandOn(left, right);
+}
+
+void XMLNodeComparator::StandOn(DOMNode* left, DOMNode* right) const
+{
+    leftWalker->setCurrentNode(left);
+    rightWalker->setCurrentNode(right);
 }
 
 void XMLNodeComparator::CompareTexts(const DOMText* left, const DOMText* right) const

@@ -473,7 +473,7 @@ TEST(ControlNodeComparison, LeavesTheWalkersOnThePairOfChildrenSoThatAStrategyCa
     EXPECT_EQ(stops, (std::vector<Nuv::UniString>{u"b", u"#text", u"d", u"e"}));
 }
 
-/// Looks ahead with the walkers while it prepares a pair, and leaves them there.
+/// Looks ahead with the walkers while it prepares a pair or chooses a comparator, and leaves them there.
 class LookingAhead : public Standard
 {
   public:
@@ -491,16 +491,22 @@ class LookingAhead : public Standard
         rightWalker.lastChild();
         return new XMLCompareStrictOrder;
     }
+    XMLValueComparator* GetValueComparator() const override
+    {
+        leftWalker.nextSibling();
+        rightWalker.nextSibling();
+        return new XMLCompareAuto;
+    }
 
   private:
     DOMTreeWalker& leftWalker;
     DOMTreeWalker& rightWalker;
 };
 
-TEST(ControlNodeComparison, ComparesThePairWhereverItsPreparationLeavesTheWalkers)
+TEST(ControlNodeComparison, ComparesThePairWhereverOptionsLeaveTheWalkers)
 {
-    const Document left = Parse("<a><b><c>x</c><d/></b><e/></a>");
-    const Document right = Parse("<a><b><c>y</c><d/></b><e/></a>");
+    const Document left = Parse("<a><b><c>x</c><d/></b>t<e>1</e></a>");
+    const Document right = Parse("<a><b><c>x</c><d/></b>t<e>2</e></a>");
     const auto compare = [](const Document& one, const Document& other)
     {
         DOMTreeWalker* const oneWalker = NewWalker(one);
