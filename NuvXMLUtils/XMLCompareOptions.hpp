@@ -123,6 +123,12 @@ class NUVXMLUTILS_API StrictOrderAutoValueCompareOptions : public IXMLCompareOpt
 /// the marker off.
 class NUVXMLUTILS_API AttrRuledCompareOptions : public StrictOrderAutoValueCompareOptions
 {
+  public:
+    AttrRuledCompareOptions() = default;
+    // Copied only: the marker names are never taken away from an object.
+    AttrRuledCompareOptions(const AttrRuledCompareOptions&) = default;
+    AttrRuledCompareOptions& operator=(const AttrRuledCompareOptions&) = default;
+
   protected:
     AttrRuledCompareOptions* Clone() const override;
     XMLValueComparator* GetValueComparator() const override;
