@@ -8,7 +8,6 @@
 #include "NuvXMLUtils/ValidatingXMLParser.hpp"
 
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 
 namespace
@@ -18,6 +17,7 @@ using Document = NuvXML::XercesPtr<xercesc_3_0::DOMDocument>;
 
 constexpr double Tolerance = 1e-3;
 
+/// Null, with a message on standard error, when the file is not well formed or not there.
 Document Load(const std::string& path)
 {
     NodeLocationInfo error;
@@ -25,10 +25,7 @@ Document Load(const std::string& path)
     Document document(ParseXMLDoc(IO::Location(Nuv::UniString(path)), xercesc_3_0::XercesDOMParser::Val_Never,
                                   false, nullptr, &error, &message));
     if (!document)
-    {
         std::fprintf(stderr, "%s:%u: %s\n", path.c_str(), error.lineNumber, message.ToString().c_str());
-        std::exit(2);
-    }
     return document;
 }
 
@@ -56,6 +53,8 @@ int main(int argc, char** argv)
     const std::string folder = COMPARISON_FOLDER;
     const Document left = Load(argc == 3 ? argv[1] : folder + "/before.xml");
     const Document right = Load(argc == 3 ? argv[2] : folder + "/after.xml");
+    if (!left || !right)
+        return 2;
 
     NuvXML::StrictOrderAutoValueCompareOptions standard;
     standard.SetDoubleEps(Tolerance);
