@@ -1,0 +1,73 @@
+// Compares two project files: with a tolerance, without the time stamp, and for all differences.
+//
+// usage: comparison [left.xml right.xml]
+
+#include "AllDifferences.hpp"
+
+#include "InputOutput/Location.hpp"
+#include "NuvXMLUtils/ValidatingXMLParser.hpp"
+
+#include <cstdio>
+#include <string>
+
+namespace
+{
+
+using Document = NuvXML::XercesPtr<xercesc_3_0::DOMDocument>;
+
+constexpr double Tolerance = 1e-3;
+
+/// Null, with a message on standard error, when the file is not well formed or not there.
+Document Load(const std::string& path)
+{
+    NodeLocationInfo error;
+    Nuv::UniString message;
+    Document document(ParseXMLDoc(IO::Location(Nuv::UniString(path)), xercesc_3_0::XercesDOMParser::Val_Never,
+                                  false, nullptr, &error, &message));
+    if (!document)
+        std::fprintf(stderr, "%s:%u: %s\n", path.c_str(), error.lineNumber, message.ToString().c_str());
+    return document;
+}
+
+void ShowFirstDifference(const char* what, const Document& left, const Document& right,
+                         const NuvXML::IXMLCompareOptions& options)
+{
+    NuvXML::SkipWhitespaceTextsCompareFilter filter;
+    NuvXML::XMLCompareStrictOrder comparator;
+    std::printf("%s\n", what);
+    try
+    {
+        NuvXML::DoXMLCompare(left.get(), right.get(), &comparator, &filter, options);
+        std::printf("No difference.\n\n");
+    }
+    catch (const NuvXML::XMLCompareException& difference)
+    {
+        std::printf("%s\n\n", difference.GetText().ToString().c_str());
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const std::string folder = COMPARISON_FOLDER;
+    const Document left = Load(argc == 3 ? argv[1] : folder + "/before.xml");
+    const Document right = Load(argc == 3 ? argv[2] : folder + "/after.xml");
+    if (!left || !right)
+        return 2;
+
+    NuvXML::StrictOrderAutoValueCompareOptions standard;
+    standard.SetDoubleEps(Tolerance);
+    ShowFirstDifference("With a tolerance of 0.001:", left, right, standard);
+
+    WithoutTimeStamp withoutTimeStamp;
+    withoutTimeStamp.SetDoubleEps(Tolerance);
+    ShowFirstDifference("The same without the time stamp:", left, right, withoutTimeStamp);
+
+    NuvXML::SkipWhitespaceTextsCompareFilter filter;
+    const auto reports = AllDifferences(*left, *right, filter, Tolerance);
+    std::printf("All differences:\n");
+    for (const Nuv::UniString& report : reports)
+        std::printf("%s\n", report.ToString().c_str());
+    std::printf("\n%zu differences\n", reports.size());
+}
