@@ -1,0 +1,141 @@
+#include "NuvXMLUtils/XMLPrint.hpp"
+
+#include "NuvXMLUtils/Surrogates.hpp"
+
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLString.hpp>
+
+#include <cstring>
+#include <new>
+#include <string_view>
+#include <utility>
+
+namespace NuvXML
+{
+namespace
+{
+
+/// By escape mode.
+constexpr EscapeList EscapeLists[] = {
+    EscapeList(),
+    EscapeList(u'&', u'<', u'"', u'\''),
+    EscapeList(u'&', u'<', u'>', u'>'),
+};
+
+constexpr std::pair<char16_t, std::u16string_view> Entities[] = {
+    {u'&', u"&amp;"}, {u'\'', u"&apos;"}, {u'>', u"&gt;"}, {u'<', u"&lt;"}, {u'"', u"&quot;"},
+};
+
+} // namespace
+
+XMLPrint::XMLPrint(std::unique_ptr<TextEncoder> textEncoder)
+    : encoder(std::move(textEncoder))
+    , buffer(new (std::nothrow) unsigned char[BufferSize])
+    , freeBytes{buffer.get(), buffer.get() + BufferSize}
+{
+}
+
+XMLPrint::~XMLPrint() = default;
+
+void XMLPrint::Write(const char16_t* text)
+{
+    Format(text, std::char_traits<char16_t>::length(text), escapeMode);
+}
+
+void XMLPrint::Format(const char16_t* text, size_t length, EscapeMode mode)
+{
+    const char16_t* position = text;
+    const char16_t* const end = text + length;
+    for (Stop stop; (stop = encoder->Encode(position, end, EscapeLists[mode], freeBytes)) != Stop::AtEnd;)
+    {
+        if (stop == Stop::NoRoom)
+            Flush();
+        else if (stop == Stop::AtLacking)
+            position += FormatReference(position, end);
+        else
+        {
+            const char16_t previous = position - text > 0 ? position[-1] : lastWritten;
+            const char16_t beforePrevious = position - text > 1   ? position[-2]
+                                            : position - text > 0 ? lastWritten
+                                                                  : writtenBeforeLast;
+            FormatListed(*position, previous, beforePrevious);
+            ++position;
+        }
+    }
+    if (length > 0)
+    {
+        writtenBeforeLast = length > 1 ? end[-2] : lastWritten;
+        lastWritten = end[-1];
+    }
+}
+
+void XMLPrint::FormatListed(char16_t character, char16_t previous, char16_t beforePrevious)
+{
+    if (character == u'>' && !(previous == u']' && beforePrevious == u']'))
+        return Format(&character, 1, NoEscapes);
+    const EncodedEntity& entity = EntityFor(character);
+    WriteRaw(entity.bytes.data(), entity.count);
+}
+
+/// Writes the character at `text`, which may be half a surrogate pair, as a character reference.
+/// @return how many units it has
+size_t XMLPrint::FormatReference(const char16_t* text, const char16_t* end)
+{
+    const bool isPair = IsPairAt(text, end);
+    constexpr XMLSize_t MaxDigits = 8;
+    XMLCh digits[MaxDigits + 1];
+    xercesc_3_0::XMLString::binToText(
+        static_cast<unsigned>(isPair ? CodePointOfPair(text[0], text[1]) : *text), digits, MaxDigits, 16,
+        xercesc_3_0::XMLPlatformUtils::fgMemoryManager);
+    std::u16string reference = u"&#x";
+    reference.append(digits).append(u";");
+    Format(reference.data(), reference.length(), NoEscapes);
+    return isPair ? 2 : 1;
+}
+
+const XMLPrint::EncodedEntity& XMLPrint::EntityFor(char16_t character)
+{
+    size_t index = 0;
+    while (Entities[index].first != character)
+        ++index;
+    EncodedEntity& entity = entities[index];
+    if (entity.count == 0)
+    {
+        const std::u16string_view text = Entities[index].second;
+        const char16_t* position = text.data();
+        FreeBytes out{entity.bytes.data(), entity.bytes.data() + entity.bytes.size()};
+        encoder->Encode(position, position + text.length(), EscapeLists[NoEscapes], out);
+        entity.count = static_cast<size_t>(out.next - entity.bytes.data());
+    }
+    return entity;
+}
+
+void XMLPrint::WriteRaw(const unsigned char* bytes, size_t count)
+{
+    if (freeBytes.Count() < count)
+        Flush();
+    std::memcpy(freeBytes.next, bytes, count);
+    freeBytes.next += count;
+}
+
+void XMLPrint::Flush()
+{
+    const auto count = static_cast<size_t>(freeBytes.next - buffer.get());
+    freeBytes.next = buffer.get();
+    if (count != 0)
+        WriteBytes(buffer.get(), count);
+}
+
+XMLPrintTarget::XMLPrintTarget(std::unique_ptr<TextEncoder> textEncoder, Nuv::OChannel& target)
+    : XMLPrint(std::move(textEncoder))
+    , channel(target)
+{
+}
+
+void XMLPrintTarget::WriteBytes(const unsigned char* bytes, size_t count)
+{
+    if (ok)
+        ok = channel.Write(bytes, count) == 0;
+}
+
+} // namespace NuvXML
