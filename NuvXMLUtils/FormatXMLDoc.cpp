@@ -184,7 +184,7 @@ class NodePrinter
 
     const DOMNode* OpenElement(const DOMNode& element)
     {
-        print.Write(u'<');
+        print.Write(XMLPrint::StartTagOpen);
         print.Write(element.getNodeName());
         if (const xercesc_3_0::DOMNamedNodeMap* const attributes = element.getAttributes())
         {
@@ -193,22 +193,22 @@ class NodePrinter
                 WriteAttribute(*attributes->item(i));
         }
         const DOMNode* const child = element.getFirstChild();
-        print.Write(child ? u">" : u"/>");
+        print.Write(child ? XMLPrint::TagClose : XMLPrint::EmptyTagClose);
         return child;
     }
 
     void Close(const DOMNode& element)
     {
-        print.Write(u"</");
+        print.Write(XMLPrint::EndTagOpen);
         print.Write(element.getNodeName());
-        print.Write(u'>');
+        print.Write(XMLPrint::TagClose);
     }
 
     void WriteAttribute(const DOMNode& attribute)
     {
-        print.Write(u' ');
+        print.Write(XMLPrint::AttributeSeparator);
         print.Write(attribute.getNodeName());
-        print.Write(u"=\"");
+        print.Write(XMLPrint::ValueOpen);
         // The value of an attribute without children is empty.
         for (const DOMNode* child = attribute.getFirstChild(); child; child = child->getNextSibling())
         {
@@ -217,7 +217,7 @@ class NodePrinter
             else if (child->getNodeType() == DOMNode::ENTITY_REFERENCE_NODE)
                 WriteEntityReference(*child);
         }
-        print.Write(u'"');
+        print.Write(XMLPrint::ValueClose);
     }
 
     void WriteText(const DOMNode& node, XMLPrint::EscapeMode mode)

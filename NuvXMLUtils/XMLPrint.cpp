@@ -22,9 +22,26 @@ constexpr EscapeList EscapeLists[] = {
     EscapeList(u'&', u'<', u'>', u'>'),
 };
 
-constexpr std::pair<char16_t, std::u16string_view> Entities[] = {
-    {u'&', u"&amp;"}, {u'\'', u"&apos;"}, {u'>', u"&gt;"}, {u'<', u"&lt;"}, {u'"', u"&quot;"},
-};
+/// By token.
+constexpr std::u16string_view TokenTexts[] = {u"&amp;", u"&apos;", u"&gt;", u"&lt;", u"&quot;", u"<",
+                                              u"</",    u">",      u"/>",   u" ",    u"=\"",    u"\""};
+
+constexpr XMLPrint::Token EntityFor(char16_t character)
+{
+    switch (character)
+    {
+    case u'&':
+        return XMLPrint::EntityAmp;
+    case u'\'':
+        return XMLPrint::EntityApos;
+    case u'>':
+        return XMLPrint::EntityGt;
+    case u'<':
+        return XMLPrint::EntityLt;
+    default:
+        return XMLPrint::EntityQuot;
+    }
+}
 
 } // namespace
 
@@ -40,6 +57,23 @@ XMLPrint::~XMLPrint() = default;
 void XMLPrint::Write(const char16_t* text)
 {
     Format(text, std::char_traits<char16_t>::length(text), escapeMode);
+}
+
+void XMLPrint::Write(Token token)
+{
+    const EncodedToken& encoded = tokens[token];
+    if (encoded.count == 0)
+        Encode(token);
+    if (freeBytes.Count() < encoded.bytes.size())
+        Flush();
+    // A copy of fixed size, mostly of more than the token has, takes no call.
+    constexpr size_t UsualMaxCount = 16;
+    if (encoded.count <= UsualMaxCount)
+        std::memcpy(freeBytes.next, encoded.bytes.data(), UsualMaxCount);
+    else
+        std::memcpy(freeBytes.next, encoded.bytes.data(), encoded.count);
+    freeBytes.next += encoded.count;
+    lastWritten = 0;
 }
 
 void XMLPrint::Format(const char16_t* text, size_t length, EscapeMode mode)
@@ -73,8 +107,7 @@ void XMLPrint::FormatListed(char16_t character, char16_t previous, char16_t befo
 {
     if (character == u'>' && !(previous == u']' && beforePrevious == u']'))
         return Format(&character, 1, NoEscapes);
-    const EncodedEntity& entity = EntityFor(character);
-    WriteRaw(entity.bytes.data(), entity.count);
+    Write(EntityFor(character));
 }
 
 /// Writes the character at `text`, which may be half a surrogate pair, as a character reference.
@@ -93,21 +126,14 @@ size_t XMLPrint::FormatReference(const char16_t* text, const char16_t* end)
     return isPair ? 2 : 1;
 }
 
-const XMLPrint::EncodedEntity& XMLPrint::EntityFor(char16_t character)
+void XMLPrint::Encode(Token token)
 {
-    size_t index = 0;
-    while (Entities[index].first != character)
-        ++index;
-    EncodedEntity& entity = entities[index];
-    if (entity.count == 0)
-    {
-        const std::u16string_view text = Entities[index].second;
-        const char16_t* position = text.data();
-        FreeBytes out{entity.bytes.data(), entity.bytes.data() + entity.bytes.size()};
-        encoder->Encode(position, position + text.length(), EscapeLists[NoEscapes], out);
-        entity.count = static_cast<size_t>(out.next - entity.bytes.data());
-    }
-    return entity;
+    EncodedToken& encoded = tokens[token];
+    const std::u16string_view text = TokenTexts[token];
+    const char16_t* position = text.data();
+    FreeBytes out{encoded.bytes.data(), encoded.bytes.data() + encoded.bytes.size()};
+    encoder->Encode(position, position + text.length(), EscapeLists[NoEscapes], out);
+    encoded.count = static_cast<size_t>(out.next - encoded.bytes.data());
 }
 
 void XMLPrint::WriteRaw(const unsigned char* bytes, size_t count)

@@ -25,6 +25,23 @@ class XMLPrint
         TextEscapes ///< `>` is escaped where it ends "]]>", also when the brackets were written before
     };
 
+    /// Fixed texts that are written often: each is encoded once, when it is first needed.
+    enum Token
+    {
+        EntityAmp,
+        EntityApos,
+        EntityGt,
+        EntityLt,
+        EntityQuot,
+        StartTagOpen,
+        EndTagOpen,
+        TagClose,
+        EmptyTagClose,
+        AttributeSeparator,
+        ValueOpen,
+        ValueClose
+    };
+
     explicit XMLPrint(std::unique_ptr<TextEncoder> textEncoder);
     XMLPrint(const XMLPrint&) = delete;
     XMLPrint& operator=(const XMLPrint&) = delete;
@@ -39,6 +56,8 @@ class XMLPrint
     void Write(char16_t character) { Format(&character, 1, escapeMode); }
     void Write(const char16_t* text);
     void Write(const Nuv::UniString& text) { Format(text.ToUTF16(), text.GetLength(), escapeMode); }
+
+    void Write(Token token);
 
     /// Writes text with the given escape mode.
     void Format(const char16_t* text, size_t length, EscapeMode mode);
@@ -56,16 +75,17 @@ class XMLPrint
   private:
     static constexpr size_t BufferSize = 0x10000;
 
-    /// The encoded form of a replacement text; empty until it is first needed.
-    struct EncodedEntity
+    static constexpr size_t TokenCount = ValueClose + 1;
+
+    struct EncodedToken
     {
-        std::array<unsigned char, 8 * TextEncoder::MaxBytesPerCharacter> bytes;
+        std::array<unsigned char, 6 * TextEncoder::MaxBytesPerCharacter> bytes;
         size_t count = 0;
     };
 
     void FormatListed(char16_t character, char16_t previous, char16_t beforePrevious);
     size_t FormatReference(const char16_t* text, const char16_t* end);
-    const EncodedEntity& EntityFor(char16_t character);
+    void Encode(Token token);
 
     std::unique_ptr<TextEncoder> encoder;
     EscapeMode escapeMode = NoEscapes;
@@ -73,7 +93,7 @@ class XMLPrint
     char16_t writtenBeforeLast = 0;
     std::unique_ptr<unsigned char[]> buffer;
     FreeBytes freeBytes;
-    std::array<EncodedEntity, 5> entities;
+    std::array<EncodedToken, TokenCount> tokens;
 };
 
 /// Sends the bytes to a channel, until the channel tells an error.
