@@ -1,16 +1,13 @@
 #include "NuvXMLUtils/SAXWriters.hpp"
 
 #include "NuvXMLUtils/ChannelFormatTargets.hpp"
-#include "NuvXMLUtils/Surrogates.hpp"
+#include "NuvXMLUtils/FormatterText.hpp"
 
 #include <xercesc/internal/VecAttributesImpl.hpp>
 #include <xercesc/sax/AttributeList.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
-#include <xercesc/util/XMLString.hpp>
-#include <xercesc/util/XMLUTF16Transcoder.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
-#include <string_view>
 #include <utility>
 
 namespace NuvXML
@@ -20,113 +17,28 @@ namespace
 
 using xercesc_3_0::XMLFormatter;
 
-// Text through a formatter.
-
-/// Where the next half of a surrogate pair stands whose other half is missing, or `end`.
-const XMLCh* FindHalf(const XMLCh* text, const XMLCh* end)
-{
-    for (; text != end; ++text)
-        if (IsSurrogate(*text))
-        {
-            if (!IsPairAt(text, end))
-                return text;
-            ++text;
-        }
-    return end;
-}
-
-void FormatHalf(XMLFormatter& formatter, XMLCh half)
-{
-    if (dynamic_cast<const xercesc_3_0::XMLUTF16Transcoder*>(formatter.getTranscoder()))
-    {
-        formatter.formatBuf(&half, 1, XMLFormatter::NoEscapes);
-        return;
-    }
-    constexpr XMLSize_t MaxDigits = 4;
-    XMLCh digits[MaxDigits + 1];
-    xercesc_3_0::XMLString::binToText(static_cast<unsigned>(half), digits, MaxDigits, 16,
-                                      xercesc_3_0::XMLPlatformUtils::fgMemoryManager);
-    std::u16string reference = u"&#x";
-    reference.append(digits).append(u";");
-    formatter.formatBuf(reference.c_str(), reference.length(), XMLFormatter::NoEscapes);
-}
-
-void Format(XMLFormatter& formatter, const XMLCh* text, XMLSize_t length,
-            XMLFormatter::EscapeFlags escapes = XMLFormatter::DefaultEscape)
-{
-    const XMLCh* const end = text + length;
-    while (text != end)
-    {
-        const XMLCh* const half = FindHalf(text, end);
-        if (half != text)
-            formatter.formatBuf(text, static_cast<XMLSize_t>(half - text), escapes,
-                                XMLFormatter::DefaultUnRep);
-        if (half == end)
-            return;
-        FormatHalf(formatter, *half);
-        text = half + 1;
-    }
-}
-
-void Format(XMLFormatter& formatter, const XMLCh* text)
-{
-    if (text)
-        Format(formatter, text, std::char_traits<XMLCh>::length(text));
-}
-
-// Half a pair between two calls of `characters`.
-
-/// Writes the half that waits for its other one in vain.
-void FormatHeld(XMLFormatter& formatter, XMLCh& heldHalf)
-{
-    if (heldHalf != 0)
-        FormatHalf(formatter, std::exchange(heldHalf, XMLCh(0)));
-}
-
-void FormatCharacters(XMLFormatter& formatter, XMLCh& heldHalf, const XMLCh* chars, XMLSize_t length)
-{
-    if (length == 0)
-        return;
-    if (heldHalf != 0 && IsTrailSurrogate(*chars))
-    {
-        const XMLCh pair[] = {std::exchange(heldHalf, XMLCh(0)), *chars, 0};
-        formatter.formatBuf(pair, 2, XMLFormatter::CharEscapes, XMLFormatter::DefaultUnRep);
-        ++chars;
-        --length;
-    }
-    FormatHeld(formatter, heldHalf);
-    if (length != 0 && IsLeadSurrogate(chars[length - 1]))
-        heldHalf = chars[--length];
-    Format(formatter, chars, length, XMLFormatter::CharEscapes);
-}
-
-// Markup.
-
 void FormatDeclaration(XMLFormatter& formatter)
 {
     formatter << u"<?xml version=\"1.0\" encoding=\"" << formatter.getEncodingName() << u"\"?>\n";
 }
 
-template <class WriteName>
-void FormatAttribute(XMLFormatter& formatter, WriteName writeName, const XMLCh* value)
+void BeginMarkup(XMLFormatter& formatter, FormatterText& text)
 {
-    formatter << XMLFormatter::NoEscapes << u" ";
-    writeName();
-    formatter << u"=\"" << XMLFormatter::AttrEscapes;
-    Format(formatter, value);
-    formatter << XMLFormatter::NoEscapes << u"\"";
+    text.BeginEvent();
+    formatter << XMLFormatter::NoEscapes;
 }
 
-void FormatInstruction(XMLFormatter& formatter, const XMLCh* target, const XMLCh* data)
+void WriteInstruction(FormatterText& text, const XMLCh* target, const XMLCh* data)
 {
-    formatter << XMLFormatter::NoEscapes << u"<?";
-    Format(formatter, target);
+    text.Write(u"<?");
+    text.Write(target);
     if (data)
     {
-        formatter << u" ";
-        Format(formatter, data);
+        text.Write(u" ");
+        text.Write(data);
     }
-    formatter << XMLFormatter::NoEscapes << u"?>";
+    text.Write(u"?>");
+    text.EndEvent();
 }
 
 } // namespace
@@ -135,41 +47,41 @@ void FormatInstruction(XMLFormatter& formatter, const XMLCh* target, const XMLCh
 
 SAXWriter::SAXWriter(XMLFormatter& target)
     : formatter(&target)
+    , text(std::make_unique<FormatterText>(target))
 {
     FormatDeclaration(*formatter);
 }
 
 SAXWriter::~SAXWriter() = default;
 
-void SAXWriter::characters(const XMLCh* chars, XMLSize_t length)
-{
-    FormatCharacters(*formatter, heldHalf, chars, length);
-}
+void SAXWriter::characters(const XMLCh* chars, XMLSize_t length) { text->WriteCharacters(chars, length); }
 
 void SAXWriter::endDocument()
 {
-    FormatHeld(*formatter, heldHalf);
+    text->BeginEvent();
     locator = nullptr;
 }
 
 void SAXWriter::endElement(const XMLCh* name)
 {
-    FormatHeld(*formatter, heldHalf);
-    *formatter << XMLFormatter::NoEscapes << u"</";
-    Format(*formatter, name);
-    *formatter << u">";
+    BeginMarkup(*formatter, *text);
+    text->Write(u"</");
+    text->Write(name);
+    text->Write(u">");
+    text->EndEvent();
 }
 
 void SAXWriter::ignorableWhitespace(const XMLCh* chars, XMLSize_t length)
 {
-    FormatHeld(*formatter, heldHalf);
-    Format(*formatter, chars, length, XMLFormatter::NoEscapes);
+    text->BeginEvent();
+    text->Write(chars, length, XMLFormatter::NoEscapes);
+    text->EndEvent();
 }
 
 void SAXWriter::processingInstruction(const XMLCh* target, const XMLCh* data)
 {
-    FormatHeld(*formatter, heldHalf);
-    FormatInstruction(*formatter, target, data);
+    BeginMarkup(*formatter, *text);
+    WriteInstruction(*text, target, data);
 }
 
 void SAXWriter::resetDocument() {}
@@ -180,14 +92,20 @@ void SAXWriter::startDocument() {}
 
 void SAXWriter::startElement(const XMLCh* name, xercesc_3_0::AttributeList& attributes)
 {
-    FormatHeld(*formatter, heldHalf);
-    *formatter << XMLFormatter::NoEscapes << u"<";
-    Format(*formatter, name);
+    BeginMarkup(*formatter, *text);
+    text->Write(u"<");
+    text->Write(name);
     const XMLSize_t count = attributes.getLength();
     for (XMLSize_t i = 0; i < count; ++i)
-        FormatAttribute(
-            *formatter, [&] { Format(*formatter, attributes.getName(i)); }, attributes.getValue(i));
-    *formatter << u">";
+    {
+        text->Write(u" ");
+        text->Write(attributes.getName(i));
+        text->Write(u"=\"");
+        text->Write(attributes.getValue(i), XMLFormatter::AttrEscapes);
+        text->Write(u"\"");
+    }
+    text->Write(u">");
+    text->EndEvent();
 }
 
 // SAX2Writer
@@ -195,6 +113,7 @@ void SAXWriter::startElement(const XMLCh* name, xercesc_3_0::AttributeList& attr
 SAX2Writer::SAX2Writer(XMLFormatter& target, bool expand)
     : expandNamespaces(expand)
     , formatter(&target)
+    , text(std::make_unique<FormatterText>(target))
 {
     FormatDeclaration(*formatter);
 }
@@ -204,44 +123,43 @@ SAX2Writer::~SAX2Writer() = default;
 void SAX2Writer::WriteName(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname)
 {
     if (!expandNamespaces)
-        return Format(*formatter, qname);
+        return text->Write(qname);
     if (uri && *uri)
     {
-        Format(*formatter, uri);
-        *formatter << u":";
+        text->Write(uri);
+        text->Write(u":");
     }
-    Format(*formatter, localname);
+    text->Write(localname);
 }
 
-void SAX2Writer::characters(const XMLCh* chars, XMLSize_t length)
-{
-    FormatCharacters(*formatter, heldHalf, chars, length);
-}
+void SAX2Writer::characters(const XMLCh* chars, XMLSize_t length) { text->WriteCharacters(chars, length); }
 
 void SAX2Writer::endDocument()
 {
-    FormatHeld(*formatter, heldHalf);
+    text->BeginEvent();
     locator = nullptr;
 }
 
 void SAX2Writer::endElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname)
 {
-    FormatHeld(*formatter, heldHalf);
-    *formatter << XMLFormatter::NoEscapes << u"</";
+    BeginMarkup(*formatter, *text);
+    text->Write(u"</");
     WriteName(uri, localname, qname);
-    *formatter << u">";
+    text->Write(u">");
+    text->EndEvent();
 }
 
 void SAX2Writer::ignorableWhitespace(const XMLCh* chars, XMLSize_t length)
 {
-    FormatHeld(*formatter, heldHalf);
-    Format(*formatter, chars, length, XMLFormatter::NoEscapes);
+    text->BeginEvent();
+    text->Write(chars, length, XMLFormatter::NoEscapes);
+    text->EndEvent();
 }
 
 void SAX2Writer::processingInstruction(const XMLCh* target, const XMLCh* data)
 {
-    FormatHeld(*formatter, heldHalf);
-    FormatInstruction(*formatter, target, data);
+    BeginMarkup(*formatter, *text);
+    WriteInstruction(*text, target, data);
 }
 
 void SAX2Writer::setDocumentLocator(const xercesc_3_0::Locator* newLocator) { locator = newLocator; }
@@ -251,16 +169,20 @@ void SAX2Writer::startDocument() {}
 void SAX2Writer::startElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname,
                               const xercesc_3_0::Attributes& attributes)
 {
-    FormatHeld(*formatter, heldHalf);
-    *formatter << XMLFormatter::NoEscapes << u"<";
+    BeginMarkup(*formatter, *text);
+    text->Write(u"<");
     WriteName(uri, localname, qname);
     const XMLSize_t count = attributes.getLength();
     for (XMLSize_t i = 0; i < count; ++i)
-        FormatAttribute(
-            *formatter,
-            [&] { WriteName(attributes.getURI(i), attributes.getLocalName(i), attributes.getQName(i)); },
-            attributes.getValue(i));
-    *formatter << u">";
+    {
+        text->Write(u" ");
+        WriteName(attributes.getURI(i), attributes.getLocalName(i), attributes.getQName(i));
+        text->Write(u"=\"");
+        text->Write(attributes.getValue(i), XMLFormatter::AttrEscapes);
+        text->Write(u"\"");
+    }
+    text->Write(u">");
+    text->EndEvent();
 }
 
 void SAX2Writer::startPrefixMapping(const XMLCh*, const XMLCh*) {}

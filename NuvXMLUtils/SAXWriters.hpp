@@ -27,6 +27,8 @@
 namespace NuvXML
 {
 
+class FormatterText;
+
 /// Writes the events of a SAX parse through a formatter, and with that decides neither the encoding nor what
 /// becomes of characters that it lacks. There are no empty-element tags.
 class NUVXMLUTILS_API SAXWriter : public xercesc_3_0::DocumentHandler
@@ -52,7 +54,7 @@ class NUVXMLUTILS_API SAXWriter : public xercesc_3_0::DocumentHandler
   private:
     const xercesc_3_0::Locator* locator = nullptr;
     xercesc_3_0::XMLFormatter* formatter;
-    XMLCh heldHalf = 0;
+    std::unique_ptr<FormatterText> text;
 };
 
 /// SAXWriter for a SAX2 parse.
@@ -87,7 +89,7 @@ class NUVXMLUTILS_API SAX2Writer : public xercesc_3_0::ContentHandler
     const xercesc_3_0::Locator* locator = nullptr;
     bool expandNamespaces;
     xercesc_3_0::XMLFormatter* formatter;
-    XMLCh heldHalf = 0;
+    std::unique_ptr<FormatterText> text;
 };
 
 /// Writes a document to a channel in UTF-8, indented by two blanks a level. Each call writes at once, so that

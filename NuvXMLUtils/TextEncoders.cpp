@@ -1,6 +1,6 @@
 #include "NuvXMLUtils/TextEncoders.hpp"
 
-#include "NuvXMLUtils/Surrogates.hpp"
+#include "NuvXMLUtils/Characters.hpp"
 
 #include <unicode/ucnv.h>
 #include <xercesc/util/PlatformUtils.hpp>
@@ -98,7 +98,7 @@ class UTF8Encoder final : public TextEncoder
                     WriteLong(*text, out);
                 else if (IsPairAt(text, end))
                 {
-                    WritePair(CodePointOfPair(text[0], text[1]), out);
+                    WritePair(CharacterAt(text, end), out);
                     ++text;
                 }
                 else
@@ -356,18 +356,10 @@ class TranscodingEncoder final : public TextEncoder
                 return {text, Stop::NoRoom};
             if (escapes.Lists(*text))
                 return {text, Stop::AtListed};
-            if (!IsSurrogate(*text))
-            {
-                if (!characters.Has(*text))
-                    return {text, Stop::AtLacking};
-                ++text;
-            }
-            else
-            {
-                if (!IsPairAt(text, end) || !characters.Has(CodePointOfPair(text[0], text[1])))
-                    return {text, Stop::AtLacking};
-                text += 2;
-            }
+            const bool isHalf = IsSurrogate(*text) && !IsPairAt(text, end);
+            if (isHalf || !characters.Has(CharacterAt(text, end)))
+                return {text, Stop::AtLacking};
+            text += LengthOfCharacterAt(text, end);
         }
         return {text, Stop::AtEnd};
     }
@@ -438,7 +430,7 @@ bool IsStateless(const XMLTranscoder& transcoder)
 
 TextEncoder::~TextEncoder() = default;
 
-std::unique_ptr<TextEncoder> MakeTextEncoder(XMLTranscoder& transcoder)
+std::unique_ptr<TextEncoder> MakeOwnTextEncoder(XMLTranscoder& transcoder)
 {
     if (IsA<xercesc_3_0::XMLUTF8Transcoder>(transcoder))
         return std::make_unique<UTF8Encoder>();
@@ -454,6 +446,13 @@ std::unique_ptr<TextEncoder> MakeTextEncoder(XMLTranscoder& transcoder)
             return std::make_unique<UTF16Encoder<std::endian::little>>();
         return std::make_unique<UTF16Encoder<std::endian::big>>();
     }
+    return nullptr;
+}
+
+std::unique_ptr<TextEncoder> MakeTextEncoder(XMLTranscoder& transcoder)
+{
+    if (auto encoder = MakeOwnTextEncoder(transcoder))
+        return encoder;
     if (!IsStateless(transcoder))
         return nullptr;
     auto encoder = std::make_unique<TranscodingEncoder>(transcoder);

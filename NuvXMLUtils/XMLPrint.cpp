@@ -1,9 +1,6 @@
 #include "NuvXMLUtils/XMLPrint.hpp"
 
-#include "NuvXMLUtils/Surrogates.hpp"
-
-#include <xercesc/util/PlatformUtils.hpp>
-#include <xercesc/util/XMLString.hpp>
+#include "NuvXMLUtils/Characters.hpp"
 
 #include <cstring>
 #include <new>
@@ -85,7 +82,11 @@ void XMLPrint::Format(const char16_t* text, size_t length, EscapeMode mode)
         if (stop == Stop::NoRoom)
             Flush();
         else if (stop == Stop::AtLacking)
-            position += FormatReference(position, end);
+        {
+            const std::u16string reference = ReferenceTo(CharacterAt(position, end));
+            Format(reference.data(), reference.length(), NoEscapes);
+            position += LengthOfCharacterAt(position, end);
+        }
         else
         {
             const char16_t previous = position - text > 0 ? position[-1] : lastWritten;
@@ -108,22 +109,6 @@ void XMLPrint::FormatListed(char16_t character, char16_t previous, char16_t befo
     if (character == u'>' && !(previous == u']' && beforePrevious == u']'))
         return Format(&character, 1, NoEscapes);
     Write(EntityFor(character));
-}
-
-/// Writes the character at `text`, which may be half a surrogate pair, as a character reference.
-/// @return how many units it has
-size_t XMLPrint::FormatReference(const char16_t* text, const char16_t* end)
-{
-    const bool isPair = IsPairAt(text, end);
-    constexpr XMLSize_t MaxDigits = 8;
-    XMLCh digits[MaxDigits + 1];
-    xercesc_3_0::XMLString::binToText(
-        static_cast<unsigned>(isPair ? CodePointOfPair(text[0], text[1]) : *text), digits, MaxDigits, 16,
-        xercesc_3_0::XMLPlatformUtils::fgMemoryManager);
-    std::u16string reference = u"&#x";
-    reference.append(digits).append(u";");
-    Format(reference.data(), reference.length(), NoEscapes);
-    return isPair ? 2 : 1;
 }
 
 void XMLPrint::Encode(Token token)

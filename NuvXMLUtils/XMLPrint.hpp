@@ -84,7 +84,6 @@ class XMLPrint
     };
 
     void FormatListed(char16_t character, char16_t previous, char16_t beforePrevious);
-    size_t FormatReference(const char16_t* text, const char16_t* end);
     void Encode(Token token);
 
     std::unique_ptr<TextEncoder> encoder;
