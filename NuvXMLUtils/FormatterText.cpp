@@ -15,39 +15,57 @@ namespace
 
 using xercesc_3_0::XMLFormatter;
 
-constexpr EscapeList NothingListed;
-
-/// What formatters escape in attribute values and in character data, but for control characters.
-constexpr EscapeList ListedInAttributes(u'&', u'<', u'"', u'"');
-constexpr EscapeList ListedInCharacters(u'&', u'<', u'>', u'>');
-
-const EscapeList& ListFor(XMLFormatter::EscapeFlags escapes)
+/// What becomes of the characters of one kind of text.
+class Escapes
 {
-    switch (escapes)
+  public:
+    /// @param except control characters that stay as they are
+    constexpr Escapes(std::u16string_view listed, std::u16string_view except)
     {
-    case XMLFormatter::AttrEscapes:
-        return ListedInAttributes;
-    case XMLFormatter::CharEscapes:
-        return ListedInCharacters;
+        for (char16_t unit = 0; unit < isSpecial.size(); ++unit)
+            isSpecial[unit] = (unit < 0x20 || unit >= 0x7F) && except.find(unit) == except.npos;
+        for (const char16_t unit : listed)
+            isSpecial[unit] = true;
+    }
+
+    /// The position of the first character that is escaped, or may be.
+    size_t Find(std::u16string_view text) const
+    {
+        size_t position = 0;
+        while (position < text.size() && !(text[position] < isSpecial.size() && isSpecial[text[position]]))
+            ++position;
+        return position;
+    }
+
+  private:
+    std::array<bool, 0xA0> isSpecial{};
+};
+
+/// Formatters escape CR in both, and control characters when they write XML 1.1.
+constexpr Escapes ValueEscapes(u"&<\"", u"");
+constexpr Escapes CharacterEscapes(u"&<>", u"\t\n");
+
+/// The entity reference for the character, or an empty text for a control character.
+std::u16string_view EntityFor(XMLCh character)
+{
+    switch (character)
+    {
+    case u'&':
+        return u"&amp;";
+    case u'<':
+        return u"&lt;";
+    case u'>':
+        return u"&gt;";
+    case u'"':
+        return u"&quot;";
     default:
-        return NothingListed;
+        return {};
     }
 }
 
-/// Whether a formatter may escape some control character of the text.
-bool HasControls(const XMLCh* text, const XMLCh* end, XMLFormatter::EscapeFlags escapes)
+std::u16string_view ViewOf(const XMLCh* text)
 {
-    if (escapes == XMLFormatter::NoEscapes)
-        return false;
-    const bool escapesSpace = escapes == XMLFormatter::AttrEscapes;
-    unsigned short found = 0;
-    for (; text != end; ++text)
-    {
-        const bool isSpace = (*text == u'\n') | (*text == u'\t');
-        const bool isControl = (*text < 0x20) | ((*text >= 0x7F) & (*text < 0xA0));
-        found = static_cast<unsigned short>(found | (isControl & (escapesSpace | !isSpace)));
-    }
-    return found != 0;
+    return text ? std::u16string_view(text) : std::u16string_view();
 }
 
 } // namespace
@@ -55,7 +73,6 @@ bool HasControls(const XMLCh* text, const XMLCh* end, XMLFormatter::EscapeFlags 
 FormatterText::FormatterText(XMLFormatter& target)
     : formatter(target)
     , encoder(MakeOwnTextEncoder(*target.getTranscoder()))
-    , freeBytes{buffer.data(), buffer.data() + BufferSize}
 {
 }
 
@@ -63,106 +80,129 @@ FormatterText::~FormatterText() = default;
 
 void FormatterText::WriteCharacters(const XMLCh* chars, XMLSize_t length)
 {
-    if (length == 0)
+    std::u16string_view text(chars, length);
+    if (text.empty())
         return;
-    if (heldHalf != 0 && IsTrailSurrogate(*chars))
+    if (heldHalf != 0 && IsTrailSurrogate(text.front()))
     {
-        const XMLCh pair[] = {std::exchange(heldHalf, XMLCh(0)), *chars};
-        Write(pair, std::size(pair), XMLFormatter::CharEscapes);
-        ++chars;
-        --length;
+        event.push_back(std::exchange(heldHalf, XMLCh(0)));
+        event.push_back(text.front());
+        text.remove_prefix(1);
     }
     BeginEvent();
-    if (length != 0 && IsLeadSurrogate(chars[length - 1]))
-        heldHalf = chars[--length];
-    Write(chars, length, XMLFormatter::CharEscapes);
+    if (!text.empty() && IsLeadSurrogate(text.back()))
+    {
+        heldHalf = text.back();
+        text.remove_suffix(1);
+    }
+    if (event.empty() && CharacterEscapes.Find(text) == text.size())
+        return Send(text);
+    WriteEscaped(text, XMLFormatter::CharEscapes);
     EndEvent();
 }
 
 void FormatterText::BeginEvent()
 {
-    if (heldHalf == 0)
-        return;
-    const XMLCh half = std::exchange(heldHalf, XMLCh(0));
-    WriteCharacter(&half, &half + 1, XMLFormatter::CharEscapes);
+    if (heldHalf != 0)
+        event.push_back(std::exchange(heldHalf, XMLCh(0)));
 }
 
-void FormatterText::Write(const XMLCh* text, XMLFormatter::EscapeFlags escapes)
+void FormatterText::Write(const XMLCh* text) { event.append(ViewOf(text)); }
+
+void FormatterText::WriteValue(const XMLCh* text) { WriteEscaped(ViewOf(text), XMLFormatter::AttrEscapes); }
+
+void FormatterText::EndEvent()
 {
-    if (text)
-        Write(text, std::char_traits<XMLCh>::length(text), escapes);
+    Send(event);
+    event.clear();
 }
 
-void FormatterText::Write(const XMLCh* text, XMLSize_t length, XMLFormatter::EscapeFlags escapes)
+void FormatterText::WriteEscaped(std::u16string_view text, EscapeFlags flags)
 {
-    const XMLCh* const end = text + length;
-    if (encoder && !HasControls(text, end, escapes))
-        WritePlain(text, end, escapes);
-    else
-        WriteThroughFormatter(text, end, escapes);
-}
-
-void FormatterText::EndEvent() { Flush(); }
-
-void FormatterText::WritePlain(const XMLCh* text, const XMLCh* end, XMLFormatter::EscapeFlags escapes)
-{
-    const EscapeList& list = ListFor(escapes);
-    for (Stop stop; (stop = encoder->Encode(text, end, list, freeBytes)) != Stop::AtEnd;)
+    const Escapes& escapes = flags == XMLFormatter::AttrEscapes ? ValueEscapes : CharacterEscapes;
+    for (;;)
     {
-        Flush();
-        if (stop == Stop::NoRoom)
-            continue;
-        WriteCharacter(text, end, escapes);
-        text += LengthOfCharacterAt(text, end);
+        const size_t plain = escapes.Find(text);
+        event.append(text.substr(0, plain));
+        if (plain == text.size())
+            return;
+        if (const std::u16string_view entity = EntityFor(text[plain]); !entity.empty())
+            event.append(entity);
+        else
+        {
+            EndEvent();
+            FormatCharacter(&text[plain], &text[plain] + 1, flags);
+        }
+        text.remove_prefix(plain + 1);
     }
 }
 
-void FormatterText::WriteThroughFormatter(const XMLCh* text, const XMLCh* end,
-                                          XMLFormatter::EscapeFlags escapes)
+void FormatterText::Send(std::u16string_view text)
 {
-    Flush();
+    if (encoder)
+        Encode(text.data(), text.data() + text.size());
+    else
+        Format(text.data(), text.data() + text.size());
+}
+
+void FormatterText::Encode(const XMLCh* text, const XMLCh* end)
+{
+    static constexpr EscapeList nothing;
+    FreeBytes bytes{buffer.data(), buffer.data() + buffer.size() - TerminatorSize};
+    for (;;)
+    {
+        const Stop stop = encoder->Encode(text, end, nothing, bytes);
+        SendBytes(bytes);
+        if (stop == Stop::AtEnd)
+            return;
+        if (stop == Stop::AtLacking)
+        {
+            FormatCharacter(text, end, XMLFormatter::NoEscapes);
+            text += LengthOfCharacterAt(text, end);
+        }
+    }
+}
+
+void FormatterText::SendBytes(FreeBytes& bytes)
+{
+    const auto count = static_cast<XMLSize_t>(bytes.next - buffer.data());
+    std::fill_n(bytes.next, TerminatorSize, static_cast<unsigned char>(0));
+    bytes.next = buffer.data();
+    // The operation by which a formatter sends bytes on as they are, whatever they are.
+    if (count != 0)
+        formatter.writeBOM(buffer.data(), count);
+}
+
+void FormatterText::Format(const XMLCh* text, const XMLCh* end)
+{
     while (text != end)
     {
         const XMLCh* stop = text;
         while (stop != end && (!IsSurrogate(*stop) || IsPairAt(stop, end)))
             stop += LengthOfCharacterAt(stop, end);
         if (stop != text)
-            formatter.formatBuf(text, static_cast<XMLSize_t>(stop - text), escapes,
-                                XMLFormatter::DefaultUnRep);
+            formatter.formatBuf(text, static_cast<XMLSize_t>(stop - text), XMLFormatter::NoEscapes);
         if (stop == end)
             return;
-        WriteCharacter(stop, end, escapes);
+        FormatCharacter(stop, end, XMLFormatter::NoEscapes);
         text = stop + 1;
     }
 }
 
-/// Writes a character that is not plain.
-void FormatterText::WriteCharacter(const XMLCh* character, const XMLCh* end,
-                                   XMLFormatter::EscapeFlags escapes)
+void FormatterText::FormatCharacter(const XMLCh* text, const XMLCh* end, EscapeFlags escapes)
 {
-    const size_t length = LengthOfCharacterAt(character, end);
-    const bool isHalf = length == 1 && IsSurrogate(*character);
+    const size_t length = LengthOfCharacterAt(text, end);
+    const bool isHalf = length == 1 && IsSurrogate(*text);
     if (isHalf && !dynamic_cast<const xercesc_3_0::XMLUTF16Transcoder*>(formatter.getTranscoder()))
     {
-        const std::u16string reference = ReferenceTo(*character);
+        const std::u16string reference = ReferenceTo(*text);
         formatter.formatBuf(reference.c_str(), reference.length(), XMLFormatter::NoEscapes);
         return;
     }
     // A formatter looks at the unit behind the text.
     XMLCh units[3] = {};
-    std::copy(character, character + length, units);
-    formatter.formatBuf(units, length, escapes, XMLFormatter::DefaultUnRep);
-}
-
-void FormatterText::Flush()
-{
-    const auto count = static_cast<XMLSize_t>(freeBytes.next - buffer.data());
-    if (count == 0)
-        return;
-    std::fill_n(freeBytes.next, TerminatorSize, static_cast<unsigned char>(0));
-    freeBytes.next = buffer.data();
-    // The operation by which a formatter sends bytes on as they are, whatever they are.
-    formatter.writeBOM(buffer.data(), count);
+    std::copy(text, text + length, units);
+    formatter.formatBuf(units, length, escapes);
 }
 
 } // namespace NuvXML

@@ -9,53 +9,58 @@
 
 #include <array>
 #include <memory>
+#include <string>
+#include <string_view>
 
 namespace NuvXML
 {
 
-/// The text of events on its way to a formatter's target. The bytes are those that the formatter would write,
-/// but for half surrogate pairs, on which formatters do not come to an end or take the next character for the
-/// other half. Where the encoding has an encoder of ours, plain text goes through that, in one block an
-/// event; whatever is escaped, lacking in the encoding or a control character is left to the formatter.
+/// The text of events on its way to a formatter. It is collected for each event, with its escapes, and then
+/// sent in one block, by an encoder of ours where there is one for the encoding of the formatter.
+///
+/// The bytes are those that the formatter would write, but for half surrogate pairs, on which formatters do
+/// not come to an end or take the next character for the other half.
 class FormatterText
 {
   public:
+    using EscapeFlags = xercesc_3_0::XMLFormatter::EscapeFlags;
+
     explicit FormatterText(xercesc_3_0::XMLFormatter& target);
     FormatterText(const FormatterText&) = delete;
     FormatterText& operator=(const FormatterText&) = delete;
     ~FormatterText();
 
-    /// Character data. The first half of a pair at the end waits for the next event.
+    /// Character data, an event of its own. The first half of a pair at the end waits for the next event.
     void WriteCharacters(const XMLCh* chars, XMLSize_t length);
 
     // The other events: a beginning, any number of texts, an end.
 
     void BeginEvent();
+    void Write(std::u16string_view text) { event.append(text); }
 
-    /// Null is the empty text.
-    void Write(const XMLCh* text,
-               xercesc_3_0::XMLFormatter::EscapeFlags escapes = xercesc_3_0::XMLFormatter::NoEscapes);
-    void Write(const XMLCh* text, XMLSize_t length, xercesc_3_0::XMLFormatter::EscapeFlags escapes);
+    /// Writes text without escapes; null is the empty text.
+    void Write(const XMLCh* text);
+
+    /// Writes the value of an attribute; null is the empty text.
+    void WriteValue(const XMLCh* text);
     void EndEvent();
 
   private:
-    static constexpr size_t BufferSize = 0x1000;
+    void WriteEscaped(std::u16string_view text, EscapeFlags escapes);
+    void Send(std::u16string_view text);
+    void Encode(const XMLCh* text, const XMLCh* end);
+    void Format(const XMLCh* text, const XMLCh* end);
+    void FormatCharacter(const XMLCh* text, const XMLCh* end, EscapeFlags escapes);
+    void SendBytes(FreeBytes& bytes);
 
     /// So many zeros follow the bytes of a block, as the targets of formatters are used to.
     static constexpr size_t TerminatorSize = 4;
 
-    void WritePlain(const XMLCh* text, const XMLCh* end, xercesc_3_0::XMLFormatter::EscapeFlags escapes);
-    void WriteThroughFormatter(const XMLCh* text, const XMLCh* end,
-                               xercesc_3_0::XMLFormatter::EscapeFlags escapes);
-    void WriteCharacter(const XMLCh* character, const XMLCh* end,
-                        xercesc_3_0::XMLFormatter::EscapeFlags escapes);
-    void Flush();
-
     xercesc_3_0::XMLFormatter& formatter;
     std::unique_ptr<TextEncoder> encoder;
+    std::u16string event;
     XMLCh heldHalf = 0;
-    std::array<unsigned char, BufferSize + TerminatorSize> buffer;
-    FreeBytes freeBytes;
+    std::array<unsigned char, 0x1000 + TerminatorSize> buffer;
 };
 
 } // namespace NuvXML

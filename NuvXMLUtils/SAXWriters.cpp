@@ -8,6 +8,7 @@
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
+#include <string_view>
 #include <utility>
 
 namespace NuvXML
@@ -15,6 +16,7 @@ namespace NuvXML
 namespace
 {
 
+using namespace std::string_view_literals;
 using xercesc_3_0::XMLFormatter;
 
 void FormatDeclaration(XMLFormatter& formatter)
@@ -30,14 +32,14 @@ void BeginMarkup(XMLFormatter& formatter, FormatterText& text)
 
 void WriteInstruction(FormatterText& text, const XMLCh* target, const XMLCh* data)
 {
-    text.Write(u"<?");
+    text.Write(u"<?"sv);
     text.Write(target);
     if (data)
     {
-        text.Write(u" ");
+        text.Write(u" "sv);
         text.Write(data);
     }
-    text.Write(u"?>");
+    text.Write(u"?>"sv);
     text.EndEvent();
 }
 
@@ -65,16 +67,16 @@ void SAXWriter::endDocument()
 void SAXWriter::endElement(const XMLCh* name)
 {
     BeginMarkup(*formatter, *text);
-    text->Write(u"</");
+    text->Write(u"</"sv);
     text->Write(name);
-    text->Write(u">");
+    text->Write(u">"sv);
     text->EndEvent();
 }
 
 void SAXWriter::ignorableWhitespace(const XMLCh* chars, XMLSize_t length)
 {
     text->BeginEvent();
-    text->Write(chars, length, XMLFormatter::NoEscapes);
+    text->Write(std::u16string_view(chars, length));
     text->EndEvent();
 }
 
@@ -93,18 +95,18 @@ void SAXWriter::startDocument() {}
 void SAXWriter::startElement(const XMLCh* name, xercesc_3_0::AttributeList& attributes)
 {
     BeginMarkup(*formatter, *text);
-    text->Write(u"<");
+    text->Write(u"<"sv);
     text->Write(name);
     const XMLSize_t count = attributes.getLength();
     for (XMLSize_t i = 0; i < count; ++i)
     {
-        text->Write(u" ");
+        text->Write(u" "sv);
         text->Write(attributes.getName(i));
-        text->Write(u"=\"");
-        text->Write(attributes.getValue(i), XMLFormatter::AttrEscapes);
-        text->Write(u"\"");
+        text->Write(u"=\""sv);
+        text->WriteValue(attributes.getValue(i));
+        text->Write(u"\""sv);
     }
-    text->Write(u">");
+    text->Write(u">"sv);
     text->EndEvent();
 }
 
@@ -127,7 +129,7 @@ void SAX2Writer::WriteName(const XMLCh* uri, const XMLCh* localname, const XMLCh
     if (uri && *uri)
     {
         text->Write(uri);
-        text->Write(u":");
+        text->Write(u":"sv);
     }
     text->Write(localname);
 }
@@ -143,16 +145,16 @@ void SAX2Writer::endDocument()
 void SAX2Writer::endElement(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname)
 {
     BeginMarkup(*formatter, *text);
-    text->Write(u"</");
+    text->Write(u"</"sv);
     WriteName(uri, localname, qname);
-    text->Write(u">");
+    text->Write(u">"sv);
     text->EndEvent();
 }
 
 void SAX2Writer::ignorableWhitespace(const XMLCh* chars, XMLSize_t length)
 {
     text->BeginEvent();
-    text->Write(chars, length, XMLFormatter::NoEscapes);
+    text->Write(std::u16string_view(chars, length));
     text->EndEvent();
 }
 
@@ -170,18 +172,18 @@ void SAX2Writer::startElement(const XMLCh* uri, const XMLCh* localname, const XM
                               const xercesc_3_0::Attributes& attributes)
 {
     BeginMarkup(*formatter, *text);
-    text->Write(u"<");
+    text->Write(u"<"sv);
     WriteName(uri, localname, qname);
     const XMLSize_t count = attributes.getLength();
     for (XMLSize_t i = 0; i < count; ++i)
     {
-        text->Write(u" ");
+        text->Write(u" "sv);
         WriteName(attributes.getURI(i), attributes.getLocalName(i), attributes.getQName(i));
-        text->Write(u"=\"");
-        text->Write(attributes.getValue(i), XMLFormatter::AttrEscapes);
-        text->Write(u"\"");
+        text->Write(u"=\""sv);
+        text->WriteValue(attributes.getValue(i));
+        text->Write(u"\""sv);
     }
-    text->Write(u">");
+    text->Write(u">"sv);
     text->EndEvent();
 }
 

@@ -25,33 +25,54 @@ namespace
 
 using xercesc_3_0::XMLTranscoder;
 
-/// So many units are tested and moved at once, in a loop without branches that fits a vector register.
-constexpr size_t BlockLength = 8;
+// Blocks of units, which are tested and moved at once. The loops over single units that they stand for are
+// not vectorised by the compilers.
 
-/// Not 0 when a unit of the block at `text` is listed.
-inline unsigned ListedInBlock(const char16_t* text, const EscapeList& escapes)
+constexpr size_t BlockLength = 8;
+using Block = unsigned short __attribute__((vector_size(BlockLength * sizeof(char16_t))));
+using NarrowBlock = unsigned char __attribute__((vector_size(BlockLength)));
+
+inline Block LoadBlock(const char16_t* text)
 {
-    const auto [first, second, third, fourth] = escapes.Characters();
-    unsigned short found = 0;
-    for (size_t i = 0; i < BlockLength; ++i)
-    {
-        const char16_t unit = text[i];
-        found = static_cast<unsigned short>(found | (unit == first) | (unit == second) | (unit == third) |
-                                            (unit == fourth));
-    }
-    return found;
+    Block block;
+    std::memcpy(&block, text, sizeof block);
+    return block;
 }
 
-/// Not 0 when a unit of the block at `text` is `Limit` or above.
+inline bool IsZero(Block block)
+{
+    unsigned long long halves[2];
+    std::memcpy(halves, &block, sizeof halves);
+    return (halves[0] | halves[1]) == 0;
+}
+
+/// All bits are set in the units that are `character`, none in the others.
+inline Block UnitsEqualTo(char16_t character, Block block)
+{
+    return reinterpret_cast<Block>(block == Block{} + static_cast<unsigned short>(character));
+}
+
+inline Block ListedUnits(Block block, const EscapeList& escapes)
+{
+    const auto [first, second, third, fourth] = escapes.Characters();
+    return UnitsEqualTo(first, block) | UnitsEqualTo(second, block) | UnitsEqualTo(third, block) |
+           UnitsEqualTo(fourth, block);
+}
+
+/// Whether all units are below `Limit` and none is listed.
 template <char16_t Limit>
-unsigned HighInBlock(const char16_t* text)
+bool IsPlain(Block block, const EscapeList& escapes)
 {
     static_assert(std::has_single_bit(static_cast<unsigned>(Limit)));
-    constexpr unsigned HighBits = 0x10000 - Limit;
-    unsigned short units = 0;
-    for (size_t i = 0; i < BlockLength; ++i)
-        units = static_cast<unsigned short>(units | text[i]);
-    return units & HighBits;
+    constexpr unsigned short HighBits = 0x10000 - Limit;
+    return IsZero((block & HighBits) | ListedUnits(block, escapes));
+}
+
+/// Writes one byte a unit.
+inline void StoreNarrow(Block block, unsigned char* out)
+{
+    const NarrowBlock bytes = __builtin_convertvector(block, NarrowBlock);
+    std::memcpy(out, &bytes, sizeof bytes);
 }
 
 /// Writes the leading units of `text` that are below `Limit` and not listed as one byte each.
@@ -60,12 +81,22 @@ template <char16_t Limit>
 size_t NarrowPlain(const char16_t* text, size_t length, const EscapeList& escapes, unsigned char* out)
 {
     size_t done = 0;
-    while (length - done >= BlockLength &&
-           !(HighInBlock<Limit>(text + done) | ListedInBlock(text + done, escapes)))
+    for (; length - done >= BlockLength; done += BlockLength)
     {
-        for (size_t i = 0; i < BlockLength; ++i)
-            out[done + i] = static_cast<unsigned char>(text[done + i]);
-        done += BlockLength;
+        const Block block = LoadBlock(text + done);
+        if (!IsPlain<Limit>(block, escapes))
+            break;
+        StoreNarrow(block, out + done);
+    }
+    // What remains is the end of a block that overlaps the one before.
+    if (done != 0 && length - done < BlockLength)
+    {
+        const Block block = LoadBlock(text + length - BlockLength);
+        if (IsPlain<Limit>(block, escapes))
+        {
+            StoreNarrow(block, out + length - BlockLength);
+            return length;
+        }
     }
     for (; done != length && text[done] < Limit && !escapes.Lists(text[done]); ++done)
         out[done] = static_cast<unsigned char>(text[done]);
@@ -143,27 +174,31 @@ class UTF16Encoder final : public TextEncoder
     Stop Encode(const char16_t*& text, const char16_t* end, const EscapeList& escapes,
                 FreeBytes& out) override
     {
-        const char16_t* const stop = text + std::min(static_cast<size_t>(end - text), out.Count() / 2);
-        while (static_cast<size_t>(stop - text) >= BlockLength && !ListedInBlock(text, escapes))
-            Move<BlockLength>(text, out);
-        while (text != stop && !escapes.Lists(*text))
-            Move<1>(text, out);
+        const char16_t* const stop = text + std::min(static_cast<size_t>(end - text), out.Count() / UnitSize);
+        for (; static_cast<size_t>(stop - text) >= BlockLength; text += BlockLength)
+        {
+            const Block block = LoadBlock(text);
+            if (!IsZero(ListedUnits(block, escapes)))
+                break;
+            Store(block, out);
+        }
+        for (; text != stop && !escapes.Lists(*text); ++text)
+            Store(static_cast<unsigned short>(*text), out);
         if (text == end)
             return Stop::AtEnd;
         return text == stop ? Stop::NoRoom : Stop::AtListed;
     }
 
   private:
-    template <size_t Count>
-    static void Move(const char16_t*& text, FreeBytes& out)
+    static constexpr size_t UnitSize = sizeof(char16_t);
+
+    /// Writes a unit or a block of units.
+    template <class Units>
+    static void Store(Units units, FreeBytes& out)
     {
-        char16_t units[Count];
-        for (size_t i = 0; i < Count; ++i)
-            units[i] = ByteOrder == std::endian::native
-                           ? text[i]
-                           : static_cast<char16_t>((text[i] << 8) | (text[i] >> 8));
-        std::memcpy(out.next, units, sizeof units);
-        text += Count;
+        if constexpr (ByteOrder != std::endian::native)
+            units = static_cast<Units>((units << 8) | (units >> 8));
+        std::memcpy(out.next, &units, sizeof units);
         out.next += sizeof units;
     }
 };
