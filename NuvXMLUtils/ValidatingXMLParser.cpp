@@ -1,0 +1,315 @@
+#include "NuvXMLUtils/ValidatingXMLParser.hpp"
+
+#include "InputOutput/File.hpp"
+#include "NuvRoot/Exceptions.hpp"
+#include "NuvXMLUtils/LocationInputSource.hpp"
+
+#include <xercesc/dom/DOMException.hpp>
+#include <xercesc/dom/DOMImplementation.hpp>
+#include <xercesc/framework/LocalFileInputSource.hpp>
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/framework/URLInputSource.hpp>
+#include <xercesc/internal/XMLScanner.hpp>
+#include <xercesc/sax/EntityResolver.hpp>
+#include <xercesc/sax/ErrorHandler.hpp>
+#include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLURL.hpp>
+#include <xercesc/validators/common/Grammar.hpp>
+
+#include <new>
+
+namespace
+{
+
+/// Has external entities read through the application's file library.
+class NuvEntityResolver : public xercesc_3_0::EntityResolver
+{
+  public:
+    xercesc_3_0::InputSource* resolveEntity(const XMLCh* const, const XMLCh* const systemId) override
+    try
+    {
+        static constexpr XMLCh NoBase[] = u"";
+        const xercesc_3_0::XMLURL url(NoBase, systemId);
+        if (!url.isRelative())
+            return new (xercesc_3_0::XMLPlatformUtils::fgMemoryManager) xercesc_3_0::URLInputSource(url);
+        const xercesc_3_0::LocalFileInputSource file(NoBase, systemId);
+        return new (xercesc_3_0::XMLPlatformUtils::fgMemoryManager)
+            LocationInputSource(IO::Location(Nuv::UniString(file.getSystemId())));
+    }
+    catch (const xercesc_3_0::OutOfMemoryException&)
+    {
+        return nullptr;
+    }
+    catch (const std::bad_alloc&)
+    {
+        return nullptr;
+    }
+};
+
+/// Ends the parse with the first error; warnings are dropped.
+class DOMTreeErrorReporter : public xercesc_3_0::ErrorHandler
+{
+  public:
+    void warning(const xercesc_3_0::SAXParseException&) override {}
+    void error(const xercesc_3_0::SAXParseException& exception) override { throw exception; }
+    void fatalError(const xercesc_3_0::SAXParseException& exception) override { throw exception; }
+    void resetErrors() override {}
+};
+
+/// One call of the parser: it has its handlers for the time of the call only, for they do not outlive it, and
+/// is fit for the next call when this one ends.
+class CallScope
+{
+  public:
+    CallScope(ValidatingXMLParser::LineInfoParser& borrower, xercesc_3_0::ErrorHandler& errorHandler,
+              xercesc_3_0::EntityResolver* entityResolver)
+        : parser(borrower)
+    {
+        parser.setErrorHandler(&errorHandler);
+        parser.setEntityResolver(entityResolver);
+    }
+    CallScope(const CallScope&) = delete;
+    CallScope& operator=(const CallScope&) = delete;
+    ~CallScope()
+    {
+        parser.EndParse();
+        parser.setErrorHandler(nullptr);
+        parser.setEntityResolver(nullptr);
+    }
+
+  private:
+    ValidatingXMLParser::LineInfoParser& parser;
+};
+
+constexpr XMLFileLoc UnknownLine = 0;
+
+/// Where an operation tells what went wrong, as far as its caller wants to know.
+struct FailureReport
+{
+    NodeLocationInfo* location;
+    Nuv::UniString* message;
+
+    void Write(XMLFileLoc line, const Nuv::UniString& text) const
+    {
+        if (location)
+            location->lineNumber = static_cast<unsigned int>(line);
+        if (message)
+            *message = text;
+    }
+
+    /// The result of a failing parse.
+    std::nullptr_t Null(const char16_t* text) const
+    {
+        Write(UnknownLine, text);
+        return nullptr;
+    }
+};
+
+constexpr char16_t FailedToParse[] = u"Failed to parse XML document";
+
+/// Null when memory runs out, the only reason why a source cannot be made.
+template <class Source, class... Arguments>
+std::unique_ptr<Source> MakeSource(const Arguments&... arguments)
+try
+{
+    return std::unique_ptr<Source>(new (xercesc_3_0::XMLPlatformUtils::fgMemoryManager) Source(arguments...));
+}
+catch (...)
+{
+    return nullptr;
+}
+
+/// Whether the exception that is being handled tells of lack of memory: the application's or Xerces' own.
+bool IsOutOfMemory()
+{
+    try
+    {
+        throw;
+    }
+    catch (const std::bad_alloc&)
+    {
+        return true;
+    }
+    catch (const xercesc_3_0::OutOfMemoryException&)
+    {
+        return true;
+    }
+    catch (...)
+    {
+        return false;
+    }
+}
+
+} // namespace
+
+ValidatingXMLParser::ValidatingXMLParser()
+{
+    if (!xercesc_3_0::DOMImplementation::getImplementation())
+        return;
+    try
+    {
+        parser.reset(new LineInfoParser);
+    }
+    catch (...)
+    {
+        ranOutOfMemory = IsOutOfMemory();
+    }
+}
+
+ValidatingXMLParser::~ValidatingXMLParser() = default;
+
+bool ValidatingXMLParser::LoadSchema(const IO::Location& schema, NodeLocationInfo* errorLocation,
+                                     Nuv::UniString* errorMessage)
+{
+    const FailureReport failure{errorLocation, errorMessage};
+    ranOutOfMemory = false;
+    if (IO::File(schema, IO::FailWhenNotFound).Open(IO::ReadMode, IO::ReportAccessDenied) != IO::NoError)
+    {
+        failure.Write(UnknownLine, u"Could not open the XML Schema file.");
+        return false;
+    }
+    try
+    {
+        if (!parser)
+            throw Nuv::NuvException();
+        DOMTreeErrorReporter errorReporter;
+        const CallScope call(*parser, errorReporter, nullptr);
+        if (!parser->loadGrammar(schema.ToPath().ToUTF16(), xercesc_3_0::Grammar::SchemaGrammarType, true))
+            throw Nuv::NuvException();
+        parser->setValidationScheme(LineInfoParser::Val_Always);
+        parser->setDoSchema(true);
+        parser->setDoNamespaces(true);
+        parser->useCachedGrammarInParse(true);
+        return true;
+    }
+    catch (const xercesc_3_0::SAXParseException& exception)
+    {
+        failure.Write(exception.getLineNumber(), exception.getMessage());
+    }
+    catch (const xercesc_3_0::SAXException& exception)
+    {
+        failure.Write(UnknownLine, exception.getMessage());
+    }
+    catch (const xercesc_3_0::XMLException& exception)
+    {
+        failure.Write(exception.getSrcLine(), exception.getMessage());
+    }
+    catch (const xercesc_3_0::DOMException& exception)
+    {
+        failure.Write(UnknownLine, exception.getMessage());
+    }
+    catch (...)
+    {
+        ranOutOfMemory = IsOutOfMemory();
+        failure.Write(UnknownLine, u"Could not load the XML Schema.");
+    }
+    return false;
+}
+
+xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(xercesc_3_0::InputSource& source, ValSchemes scheme,
+                                                     bool createEntityRefNodes, NodeLocations* nodeLocations,
+                                                     NodeLocationInfo* errorLocation,
+                                                     Nuv::UniString* errorMessage)
+{
+    const FailureReport failure{errorLocation, errorMessage};
+    ranOutOfMemory = false;
+    parser->SetNodeLocations(nodeLocations);
+    try
+    {
+        DOMTreeErrorReporter errorReporter;
+        NuvEntityResolver entityResolver;
+        parser->reset();
+        const bool validatesAgainstSchema = parser->getDoSchema();
+        parser->setValidationScheme(validatesAgainstSchema ? LineInfoParser::Val_Always : scheme);
+        parser->setDoNamespaces(validatesAgainstSchema);
+        parser->setCreateEntityReferenceNodes(createEntityRefNodes);
+        const CallScope call(*parser, errorReporter, &entityResolver);
+        parser->parse(source);
+        return parser->adoptDocument();
+    }
+    catch (const xercesc_3_0::SAXParseException& exception)
+    {
+        failure.Write(exception.getLineNumber(), exception.getMessage());
+    }
+    catch (const xercesc_3_0::XMLException& exception)
+    {
+        failure.Write(exception.getSrcLine(), exception.getMessage());
+    }
+    catch (...)
+    {
+        ranOutOfMemory = IsOutOfMemory();
+        failure.Write(UnknownLine, FailedToParse);
+    }
+    return nullptr;
+}
+
+xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(const IO::Location& file, ValSchemes scheme,
+                                                     bool createEntityRefNodes, NodeLocations* nodeLocations,
+                                                     NodeLocationInfo* errorLocation,
+                                                     Nuv::UniString* errorMessage)
+{
+    const FailureReport failure{errorLocation, errorMessage};
+    if (!parser)
+        return failure.Null(FailedToParse);
+    const auto source = MakeSource<LocationInputSource>(file);
+    ranOutOfMemory = !source;
+    if (!source)
+        return failure.Null(u"Memory error");
+    return Parse(*source, scheme, createEntityRefNodes, nodeLocations, errorLocation, errorMessage);
+}
+
+xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(const unsigned char* buffer, unsigned int size,
+                                                     ValSchemes scheme, bool createEntityRefNodes,
+                                                     const Nuv::UniString& systemId,
+                                                     NodeLocations* nodeLocations,
+                                                     NodeLocationInfo* errorLocation,
+                                                     Nuv::UniString* errorMessage)
+{
+    const FailureReport failure{errorLocation, errorMessage};
+    if (!parser)
+        return failure.Null(FailedToParse);
+    const auto source = MakeSource<xercesc_3_0::MemBufInputSource>(buffer, size, systemId.ToUTF16());
+    ranOutOfMemory = !source;
+    if (!source)
+        return failure.Null(FailedToParse);
+    return Parse(*source, scheme, createEntityRefNodes, nodeLocations, errorLocation, errorMessage);
+}
+
+xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(const unsigned char* buffer, unsigned int size,
+                                                     ValSchemes scheme, bool createEntityRefNodes,
+                                                     const IO::Location& systemId,
+                                                     NodeLocations* nodeLocations,
+                                                     NodeLocationInfo* errorLocation,
+                                                     Nuv::UniString* errorMessage)
+{
+    return Parse(buffer, size, scheme, createEntityRefNodes, systemId.ToPath(), nodeLocations, errorLocation,
+                 errorMessage);
+}
+
+xercesc_3_0::DOMDocument* ParseXMLDoc(const IO::Location& file, ValidatingXMLParser::ValSchemes scheme,
+                                      bool createEntityRefNodes, NodeLocations* nodeLocations,
+                                      NodeLocationInfo* errorLocation, Nuv::UniString* errorMessage)
+{
+    return ValidatingXMLParser().Parse(file, scheme, createEntityRefNodes, nodeLocations, errorLocation,
+                                       errorMessage);
+}
+
+xercesc_3_0::DOMDocument* ParseXMLDoc(const unsigned char* buffer, unsigned int size,
+                                      ValidatingXMLParser::ValSchemes scheme, bool createEntityRefNodes,
+                                      const Nuv::UniString& systemId, NodeLocations* nodeLocations,
+                                      NodeLocationInfo* errorLocation, Nuv::UniString* errorMessage)
+{
+    return ValidatingXMLParser().Parse(buffer, size, scheme, createEntityRefNodes, systemId, nodeLocations,
+                                       errorLocation, errorMessage);
+}
+
+xercesc_3_0::DOMDocument* ParseXMLDoc(const unsigned char* buffer, unsigned int size,
+                                      ValidatingXMLParser::ValSchemes scheme, bool createEntityRefNodes,
+                                      const IO::Location& systemId, NodeLocations* nodeLocations,
+                                      NodeLocationInfo* errorLocation, Nuv::UniString* errorMessage)
+{
+    return ParseXMLDoc(buffer, size, scheme, createEntityRefNodes, systemId.ToPath(), nodeLocations,
+                       errorLocation, errorMessage);
+}

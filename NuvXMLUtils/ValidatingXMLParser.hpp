@@ -1,0 +1,134 @@
+/// @file
+/// Turns XML text into DOM documents.
+///
+/// Nothing here throws, but for lack of memory for an error message. A failure gives null or false and, where
+/// the caller passed them, a line in `errorLocation` (0 when it is not known) and a text in `errorMessage`; a
+/// success leaves both untouched. Every pointer argument but a buffer may be null.
+///
+/// A document that is returned belongs to the caller, who frees it with `release()`. Its URI is that of the
+/// source. There is no limit on the depth of nesting but memory.
+#pragma once
+
+#include "InputOutput/Location.hpp"
+#include "NuvRoot/UniString.hpp"
+#include "NuvXMLUtils/Export.hpp"
+#include "NuvXMLUtils/NodeLocations.hpp"
+#include "NuvXMLUtils/Xerces.hpp"
+
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/sax/InputSource.hpp>
+#include <xercesc/sax/Locator.hpp>
+
+#include <memory>
+
+/// A parser that can be used again and again, by one thread at a time.
+///
+/// Files are read through the application's file library. Relative system ids (external entities, DTDs) name
+/// files relative to the current folder of the process; absolute URLs are fetched by Xerces.
+class NUVXMLUTILS_API ValidatingXMLParser
+{
+  public:
+    using ValSchemes = xercesc_3_0::AbstractDOMParser::ValSchemes;
+
+    class LineInfoParser;
+
+    ValidatingXMLParser();
+    ValidatingXMLParser(const ValidatingXMLParser&) = delete;
+    ValidatingXMLParser& operator=(const ValidatingXMLParser&) = delete;
+    ~ValidatingXMLParser();
+
+    /// Loads an XML Schema. From then on every Parse validates against it, whatever scheme it is given, and
+    /// processes namespaces. A failure changes nothing. The messages are Xerces', or
+    /// "Could not open the XML Schema file." and "Could not load the XML Schema.".
+    bool LoadSchema(const IO::Location& schema, NodeLocationInfo* errorLocation,
+                    Nuv::UniString* errorMessage);
+
+    /// Parses a file. The first error ends the parse, a warning does not. The messages are Xerces', or
+    /// "Failed to parse XML document".
+    /// @param scheme when to validate, while no schema is loaded
+    /// @param createEntityRefNodes whether entity references become nodes of their own, which hold the
+    /// content
+    /// @param nodeLocations is filled with the line of each element, text, comment and entity reference
+    xercesc_3_0::DOMDocument* Parse(const IO::Location& file, ValSchemes scheme, bool createEntityRefNodes,
+                                    NodeLocations* nodeLocations, NodeLocationInfo* errorLocation,
+                                    Nuv::UniString* errorMessage);
+
+    /// The same with `size` bytes at `buffer`, which are not needed any longer when the call returns.
+    /// @param systemId names the text in messages and becomes the document's URI
+    xercesc_3_0::DOMDocument* Parse(const unsigned char* buffer, unsigned int size, ValSchemes scheme,
+                                    bool createEntityRefNodes, const Nuv::UniString& systemId,
+                                    NodeLocations* nodeLocations, NodeLocationInfo* errorLocation,
+                                    Nuv::UniString* errorMessage);
+
+    /// The same; the system id is the path of a location.
+    xercesc_3_0::DOMDocument* Parse(const unsigned char* buffer, unsigned int size, ValSchemes scheme,
+                                    bool createEntityRefNodes, const IO::Location& systemId,
+                                    NodeLocations* nodeLocations, NodeLocationInfo* errorLocation,
+                                    Nuv::UniString* errorMessage);
+
+    /// Whether the last operation failed for lack of memory, which its message does not tell.
+    bool RanOutOfMemory() const { return ranOutOfMemory; }
+
+  private:
+    xercesc_3_0::DOMDocument* Parse(xercesc_3_0::InputSource& source, ValSchemes scheme,
+                                    bool createEntityRefNodes, NodeLocations* nodeLocations,
+                                    NodeLocationInfo* errorLocation, Nuv::UniString* errorMessage);
+
+    /// Null when Xerces was not running or memory ran out at construction: then every operation fails.
+    std::unique_ptr<LineInfoParser> parser;
+
+    bool ranOutOfMemory = false;
+};
+
+/// A DOM parser that records in a NodeLocations store on which line the scanner stood when each node was made
+/// or extended: for an element that is the line on which its start tag ends, for text the line on which it
+/// ends.
+class NUVXMLUTILS_API ValidatingXMLParser::LineInfoParser : public xercesc_3_0::XercesDOMParser
+{
+  public:
+    /// Records nothing until a store is set.
+    LineInfoParser();
+    ~LineInfoParser() override;
+
+    /// Sets the store to fill, for all parses to come; null switches recording off. The store is not owned.
+    void SetNodeLocations(NodeLocations* store);
+
+    /// Makes the parser usable again after a parse that lack of memory ended, which Xerces takes for one that
+    /// is still going on.
+    void EndParse() { setParseInProgress(false); }
+
+    void docCharacters(const XMLCh* chars, XMLSize_t length, bool cdataSection) override;
+    void docComment(const XMLCh* comment) override;
+    void startElement(const xercesc_3_0::XMLElementDecl& declaration, unsigned int urlId,
+                      const XMLCh* elemPrefix, const xercesc_3_0::RefVectorOf<xercesc_3_0::XMLAttr>& attrList,
+                      XMLSize_t attrCount, bool isEmpty, bool isRoot) override;
+    void startEntityReference(const xercesc_3_0::XMLEntityDecl& declaration) override;
+
+  private:
+    void InsertNodeLocInfo();
+
+    NodeLocations* nodeLocations = nullptr;
+    const xercesc_3_0::Locator* locator;
+};
+
+/// @name One document
+/// Each parses with a parser of its own, which validates against no schema and leaves prefixes in names
+/// alone.
+/// @{
+
+NUVXMLUTILS_API xercesc_3_0::DOMDocument*
+ParseXMLDoc(const IO::Location& file, ValidatingXMLParser::ValSchemes scheme, bool createEntityRefNodes,
+            NodeLocations* nodeLocations, NodeLocationInfo* errorLocation, Nuv::UniString* errorMessage);
+
+NUVXMLUTILS_API xercesc_3_0::DOMDocument*
+ParseXMLDoc(const unsigned char* buffer, unsigned int size, ValidatingXMLParser::ValSchemes scheme,
+            bool createEntityRefNodes, const Nuv::UniString& systemId, NodeLocations* nodeLocations,
+            NodeLocationInfo* errorLocation, Nuv::UniString* errorMessage);
+
+NUVXMLUTILS_API xercesc_3_0::DOMDocument*
+ParseXMLDoc(const unsigned char* buffer, unsigned int size, ValidatingXMLParser::ValSchemes scheme,
+            bool createEntityRefNodes, const IO::Location& systemId, NodeLocations* nodeLocations,
+            NodeLocationInfo* errorLocation, Nuv::UniString* errorMessage);
+
+/// @}
