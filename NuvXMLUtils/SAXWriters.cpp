@@ -61,6 +61,7 @@ void SAXWriter::characters(const XMLCh* chars, XMLSize_t length) { text->WriteCh
 void SAXWriter::endDocument()
 {
     text->BeginEvent();
+    text->EndEvent();
     locator = nullptr;
 }
 
@@ -139,6 +140,7 @@ void SAX2Writer::characters(const XMLCh* chars, XMLSize_t length) { text->WriteC
 void SAX2Writer::endDocument()
 {
     text->BeginEvent();
+    text->EndEvent();
     locator = nullptr;
 }
 

@@ -15,6 +15,8 @@
 #include <xercesc/sax/ErrorHandler.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 
+#include <fstream>
+#include <iterator>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -53,6 +55,16 @@ inline Document Parse(std::string_view bytes)
                                                 "source");
     parser.parse(source);
     return Document(parser.adoptDocument());
+}
+
+/// A document of more than two megabytes, with a document type, that many systems have.
+/// @throws std::runtime_error where the shared MIME database is not installed
+inline std::string ReadTypeDatabase()
+{
+    std::ifstream file("/usr/share/mime/packages/freedesktop.org.xml", std::ios::binary);
+    if (!file)
+        throw std::runtime_error("The tests need the shared MIME database (package shared-mime-info).");
+    return std::string(std::istreambuf_iterator<char>(file), {});
 }
 
 /// The bytes that FormatXMLDoc writes in this encoding.
