@@ -142,7 +142,7 @@ TEST(FormatXMLDocEncodings, WritesPairsAndEscapesAcrossTheBordersOfItsBlocks)
     const Sample samples[] = {{u"UTF-8", "\xF0\x9F\x98\x80"},   {u"ISO-8859-1", "&#x1F600;"},
                               {u"US-ASCII", "&#x1F600;"},       {u"windows-1252", "&#x1F600;"},
                               {u"GB18030", "\x94\x39\xFC\x36"}, {u"KOI8-R", "&#x1F600;"}};
-    for (const size_t border : {4096, 16384, 65536 - 48})
+    for (const size_t border : {0x1000u, 0x4000u, 0x10000u - 48u})
         for (size_t length = border - 20; length < border + 20; ++length)
             for (const Sample& sample : samples)
                 ASSERT_TRUE(
