@@ -2,6 +2,7 @@
 
 #include "NuvXMLUtils/Characters.hpp"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <string_view>
@@ -125,8 +126,7 @@ void XMLPrint::WriteRaw(const unsigned char* bytes, size_t count)
 {
     if (freeBytes.Count() < count)
         Flush();
-    std::memcpy(freeBytes.next, bytes, count);
-    freeBytes.next += count;
+    freeBytes.next = std::copy_n(bytes, count, freeBytes.next);
 }
 
 void XMLPrint::Flush()
