@@ -37,6 +37,9 @@ constexpr char32_t CharacterAt(const char16_t* text, const char16_t* end)
            (static_cast<char32_t>(text[1]) - 0xDC00);
 }
 
+/// Whether a character is half a surrogate pair.
+constexpr bool IsHalf(char32_t character) { return (character & ~char32_t(0x7FF)) == 0xD800; }
+
 /// The character reference, e.g. "&#x1F600;".
 inline std::u16string ReferenceTo(char32_t character)
 {

@@ -2,8 +2,6 @@
 
 #include "NuvXMLUtils/Characters.hpp"
 
-#include <xercesc/util/XMLUTF16Transcoder.hpp>
-
 #include <algorithm>
 #include <string_view>
 #include <utility>
@@ -72,7 +70,7 @@ std::u16string_view ViewOf(const XMLCh* text)
 
 FormatterText::FormatterText(XMLFormatter& target)
     : formatter(target)
-    , encoder(MakeOwnTextEncoder(*target.getTranscoder()))
+    , encoder(MakeTextEncoder(*target.getTranscoder()))
 {
 }
 
@@ -85,8 +83,8 @@ void FormatterText::WriteCharacters(const XMLCh* chars, XMLSize_t length)
         return;
     if (heldHalf != 0 && IsTrailSurrogate(text.front()))
     {
-        event.push_back(std::exchange(heldHalf, XMLCh(0)));
-        event.push_back(text.front());
+        const XMLCh pair[] = {std::exchange(heldHalf, XMLCh(0)), text.front()};
+        Send(std::u16string_view(pair, std::size(pair)));
         text.remove_prefix(1);
     }
     BeginEvent();
@@ -103,6 +101,7 @@ void FormatterText::WriteCharacters(const XMLCh* chars, XMLSize_t length)
 
 void FormatterText::BeginEvent()
 {
+    event.clear();
     if (heldHalf != 0)
         event.push_back(std::exchange(heldHalf, XMLCh(0)));
 }
@@ -111,11 +110,7 @@ void FormatterText::Write(const XMLCh* text) { event.append(ViewOf(text)); }
 
 void FormatterText::WriteValue(const XMLCh* text) { WriteEscaped(ViewOf(text), XMLFormatter::AttrEscapes); }
 
-void FormatterText::EndEvent()
-{
-    Send(event);
-    event.clear();
-}
+void FormatterText::EndEvent() { Send(event); }
 
 void FormatterText::WriteEscaped(std::u16string_view text, EscapeFlags flags)
 {
@@ -130,8 +125,10 @@ void FormatterText::WriteEscaped(std::u16string_view text, EscapeFlags flags)
             event.append(entity);
         else
         {
-            EndEvent();
-            FormatCharacter(&text[plain], &text[plain] + 1, flags);
+            Send(event);
+            event.clear();
+            const XMLCh control[] = {text[plain], 0}; // formatters look at the unit behind their text
+            formatter.formatBuf(control, 1, flags);
         }
         text.remove_prefix(plain + 1);
     }
@@ -157,10 +154,24 @@ void FormatterText::Encode(const XMLCh* text, const XMLCh* end)
             return;
         if (stop == Stop::AtLacking)
         {
-            FormatCharacter(text, end, XMLFormatter::NoEscapes);
+            FormatLacking(text, end);
             text += LengthOfCharacterAt(text, end);
         }
     }
+}
+
+/// Writes a character that the encoding lacks as the formatter is told to; half a pair is always a reference.
+void FormatterText::FormatLacking(const XMLCh* text, const XMLCh* end)
+{
+    const char32_t character = CharacterAt(text, end);
+    if (formatter.getUnRepFlags() == XMLFormatter::UnRep_CharRef || IsHalf(character))
+    {
+        const std::u16string reference = ReferenceTo(character);
+        formatter.formatBuf(reference.data(), reference.length(), XMLFormatter::NoEscapes,
+                            XMLFormatter::UnRep_Fail);
+    }
+    else
+        formatter.formatBuf(text, LengthOfCharacterAt(text, end), XMLFormatter::NoEscapes);
 }
 
 void FormatterText::SendBytes(FreeBytes& bytes)
@@ -178,31 +189,14 @@ void FormatterText::Format(const XMLCh* text, const XMLCh* end)
     while (text != end)
     {
         const XMLCh* stop = text;
-        while (stop != end && (!IsSurrogate(*stop) || IsPairAt(stop, end)))
+        while (stop != end && !IsHalf(CharacterAt(stop, end)))
             stop += LengthOfCharacterAt(stop, end);
         if (stop != text)
             formatter.formatBuf(text, static_cast<XMLSize_t>(stop - text), XMLFormatter::NoEscapes);
-        if (stop == end)
-            return;
-        FormatCharacter(stop, end, XMLFormatter::NoEscapes);
-        text = stop + 1;
+        if (stop != end)
+            FormatLacking(stop++, end);
+        text = stop;
     }
-}
-
-void FormatterText::FormatCharacter(const XMLCh* text, const XMLCh* end, EscapeFlags escapes)
-{
-    const size_t length = LengthOfCharacterAt(text, end);
-    const bool isHalf = length == 1 && IsSurrogate(*text);
-    if (isHalf && !dynamic_cast<const xercesc_3_0::XMLUTF16Transcoder*>(formatter.getTranscoder()))
-    {
-        const std::u16string reference = ReferenceTo(*text);
-        formatter.formatBuf(reference.c_str(), reference.length(), XMLFormatter::NoEscapes);
-        return;
-    }
-    // A formatter looks at the unit behind the text.
-    XMLCh units[3] = {};
-    std::copy(text, text + length, units);
-    formatter.formatBuf(units, length, escapes);
 }
 
 } // namespace NuvXML

@@ -16,10 +16,11 @@ namespace NuvXML
 {
 
 /// The text of events on its way to a formatter. It is collected for each event, with its escapes, and then
-/// sent in one block, by an encoder of ours where there is one for the encoding of the formatter.
+/// sent in one block, by an encoder of ours unless the encoding is stateful.
 ///
-/// The bytes are those that the formatter would write, but for half surrogate pairs, on which formatters do
-/// not come to an end or take the next character for the other half.
+/// The bytes are those that the formatter would write, but where formatters go wrong: on half surrogate pairs
+/// they do not come to an end or take the next character for the other half, and with ICU's converters they
+/// tear pairs and lose or change characters.
 class FormatterText
 {
   public:
@@ -50,7 +51,7 @@ class FormatterText
     void Send(std::u16string_view text);
     void Encode(const XMLCh* text, const XMLCh* end);
     void Format(const XMLCh* text, const XMLCh* end);
-    void FormatCharacter(const XMLCh* text, const XMLCh* end, EscapeFlags escapes);
+    void FormatLacking(const XMLCh* text, const XMLCh* end);
     void SendBytes(FreeBytes& bytes);
 
     /// So many zeros follow the bytes of a block, as the targets of formatters are used to.

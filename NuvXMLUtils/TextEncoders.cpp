@@ -391,8 +391,8 @@ class TranscodingEncoder final : public TextEncoder
                 return {text, Stop::NoRoom};
             if (escapes.Lists(*text))
                 return {text, Stop::AtListed};
-            const bool isHalf = IsSurrogate(*text) && !IsPairAt(text, end);
-            if (isHalf || !characters.Has(CharacterAt(text, end)))
+            const char32_t character = CharacterAt(text, end);
+            if (IsHalf(character) || !characters.Has(character))
                 return {text, Stop::AtLacking};
             text += LengthOfCharacterAt(text, end);
         }
@@ -465,7 +465,7 @@ bool IsStateless(const XMLTranscoder& transcoder)
 
 TextEncoder::~TextEncoder() = default;
 
-std::unique_ptr<TextEncoder> MakeOwnTextEncoder(XMLTranscoder& transcoder)
+std::unique_ptr<TextEncoder> MakeTextEncoder(XMLTranscoder& transcoder)
 {
     if (IsA<xercesc_3_0::XMLUTF8Transcoder>(transcoder))
         return std::make_unique<UTF8Encoder>();
@@ -481,13 +481,6 @@ std::unique_ptr<TextEncoder> MakeOwnTextEncoder(XMLTranscoder& transcoder)
             return std::make_unique<UTF16Encoder<std::endian::little>>();
         return std::make_unique<UTF16Encoder<std::endian::big>>();
     }
-    return nullptr;
-}
-
-std::unique_ptr<TextEncoder> MakeTextEncoder(XMLTranscoder& transcoder)
-{
-    if (auto encoder = MakeOwnTextEncoder(transcoder))
-        return encoder;
     if (!IsStateless(transcoder))
         return nullptr;
     auto encoder = std::make_unique<TranscodingEncoder>(transcoder);

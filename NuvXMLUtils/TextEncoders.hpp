@@ -72,10 +72,6 @@ class TextEncoder
                         FreeBytes& out) = 0;
 };
 
-/// The encoder for the encoding of `transcoder` when that is UTF-8, UTF-16, ISO-8859-1, ASCII or
-/// windows-1252, otherwise null.
-std::unique_ptr<TextEncoder> MakeOwnTextEncoder(xercesc_3_0::XMLTranscoder& transcoder);
-
 /// The encoder for the encoding of `transcoder`, which must outlive it, or null for an encoding in which XML
 /// cannot be written piece by piece: one with shift states, or one that lacks characters of markup.
 std::unique_ptr<TextEncoder> MakeTextEncoder(xercesc_3_0::XMLTranscoder& transcoder);

@@ -185,6 +185,16 @@ TEST(SAXWriters, LeaveCharactersThatTheEncodingLacksToTheFormatter)
     WriteCharacters(replacingWriter, u"\u00E4\u20ACz");
     EXPECT_EQ(replacing.Body(), "\xE4\x1Az");
 
+    Output converted(u"KOI8-R");
+    SAX2Writer convertedWriter(converted.formatter, false);
+    WriteCharacters(convertedWriter, u"\u0416\u200B\U0001F600z");
+    EXPECT_EQ(converted.Body(), "\xF6&#x200B;&#x1F600;z");
+
+    Output windows(u"windows-1252");
+    SAX2Writer windowsWriter(windows.formatter, false);
+    WriteCharacters(windowsWriter, u"\uFF1Ca\u20AC");
+    EXPECT_EQ(windows.Body(), "&#xFF1C;a\x80");
+
     Output failing(u"ISO-8859-1", XMLFormatter::UnRep_Fail);
     SAX2Writer failingWriter(failing.formatter, false);
     EXPECT_THROW(WriteCharacters(failingWriter, u"\u20AC"), TranscodingException);
@@ -246,6 +256,24 @@ TEST(SAXWriters, WriteAWaitingHalfBeforeTheNextEvent)
     EXPECT_EQ(write([](SAX2Writer& writer) { writer.processingInstruction(u"p", nullptr); }),
               "&#xD83D;<?p?>");
     EXPECT_EQ(write([](SAX2Writer& writer) { WriteCharacters(writer, u"a"); }), "&#xD83D;a");
+}
+
+TEST(SAXWriters, WriteStatefulEncodingsThroughTheFormatter)
+{
+    Output output(u"ISO-2022-JP");
+    SAX2Writer writer(output.formatter, false);
+    WriteCharacters(writer, u"a\u65E5<\xD83D");
+    writer.endElement(u"", u"e", u"e");
+    EXPECT_EQ(output.Body(), "a\x1B$BF|\x1B(B&lt;&#xD83D;</e>");
+}
+
+TEST(SAXWriters, GoOnAfterAnExceptionWithTheNextEvent)
+{
+    Output output(u"ISO-8859-1", XMLFormatter::UnRep_Fail);
+    SAX2Writer writer(output.formatter, false);
+    EXPECT_THROW(writer.processingInstruction(u"p", u"\u20AC"), TranscodingException);
+    writer.endElement(u"", u"e", u"e");
+    EXPECT_EQ(output.Body(), "<?p </e>");
 }
 
 TEST(SAXWriters, WriteHalfAPairAsItIsInUTF16)
