@@ -30,6 +30,16 @@ void BeginMarkup(XMLFormatter& formatter, FormatterText& text)
     formatter << XMLFormatter::NoEscapes;
 }
 
+void WriteExpandedName(FormatterText& text, const XMLCh* uri, const XMLCh* localname)
+{
+    if (uri && *uri)
+    {
+        text.Write(uri);
+        text.Write(u":"sv);
+    }
+    text.Write(localname);
+}
+
 void WriteInstruction(FormatterText& text, const XMLCh* target, const XMLCh* data)
 {
     text.Write(u"<?"sv);
@@ -125,14 +135,10 @@ SAX2Writer::~SAX2Writer() = default;
 
 void SAX2Writer::WriteName(const XMLCh* uri, const XMLCh* localname, const XMLCh* qname)
 {
-    if (!expandNamespaces)
-        return text->Write(qname);
-    if (uri && *uri)
-    {
-        text->Write(uri);
-        text->Write(u":"sv);
-    }
-    text->Write(localname);
+    if (expandNamespaces)
+        WriteExpandedName(*text, uri, localname);
+    else
+        text->Write(qname);
 }
 
 void SAX2Writer::characters(const XMLCh* chars, XMLSize_t length) { text->WriteCharacters(chars, length); }
@@ -180,7 +186,10 @@ void SAX2Writer::startElement(const XMLCh* uri, const XMLCh* localname, const XM
     for (XMLSize_t i = 0; i < count; ++i)
     {
         text->Write(u" "sv);
-        WriteName(attributes.getURI(i), attributes.getLocalName(i), attributes.getQName(i));
+        if (expandNamespaces)
+            WriteExpandedName(*text, attributes.getURI(i), attributes.getLocalName(i));
+        else
+            text->Write(attributes.getQName(i));
         text->Write(u"=\""sv);
         text->WriteValue(attributes.getValue(i));
         text->Write(u"\""sv);
