@@ -1,30 +1,58 @@
 /// @file
-/// The document that benchmarks of whole documents work on.
+/// The documents that the benchmarks of the channels work on.
 #pragma once
 
+#include "NuvRoot/UniString.hpp"
+#include "NuvXMLUtils/NuvXMLInterface.hpp"
+
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace Benchmarks
 {
 
-/// An indented document of about `size` bytes in UTF-8, as an application would store its objects: records of
-/// elements and attributes with short texts, some of them with characters to escape and outside ASCII.
-inline std::string MakeRecords(size_t size)
+/// One value element in three is a text, the others are integers.
+inline bool IsText(size_t index) { return index % 3 == 0; }
+
+inline int IntegerAt(size_t index) { return static_cast<int>(index * 7919 % 1'000'000'007); }
+
+/// Some 30 characters, one of them not ASCII.
+inline Nuv::UniString TextAt(size_t index)
 {
-    std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<project name=\"Tower\">\n";
-    for (int i = 0; text.size() < size; ++i)
+    Nuv::UniString text;
+    text.Printf("Property %u of an element ", index);
+    text += u'\u00FC';
+    return text;
+}
+
+struct DisposeChannel
+{
+    void operator()(Nuv::XMLOChannel* channel) const { NuvXML::DisposeXMLOChannel(channel); }
+    void operator()(Nuv::XMLIChannel* channel) const { NuvXML::DisposeXMLIChannel(channel); }
+};
+using OutputChannel = std::unique_ptr<Nuv::XMLOChannel, DisposeChannel>;
+using InputChannel = std::unique_ptr<Nuv::XMLIChannel, DisposeChannel>;
+
+/// Writes `count` value elements into elements "Group" of `groupSize` values each.
+inline std::string MakeDocument(size_t count, size_t groupSize)
+{
+    const OutputChannel channel(NuvXML::CreateXMLOChannel(true));
+    channel->WriteStartElement("Values");
+    for (size_t i = 0; i < count;)
     {
-        const std::string number = std::to_string(i);
-        text += "\t<wall id=\"" + number + "\" layer=\"Structure &amp; walls\" visible=\"true\">\n";
-        text += "\t\t<name>Au\xC3\x9F"
-                "enwand " +
-                number + "</name>\n";
-        text += "\t\t<point x=\"" + number + ".25\" y=\"-17.5\" z=\"0\"/>\n";
-        text += "\t\t<height unit=\"mm\">2750.125</height>\n";
-        text += "\t\t<note>Thickness &lt; 300 mm, checked on site; see the drawing of the first floor.</note>\n";
-        text += "\t</wall>\n";
+        channel->WriteStartElement("Group");
+        for (const size_t end = i + groupSize; i < end; ++i)
+        {
+            if (IsText(i))
+                channel->WriteXML("Text", TextAt(i));
+            else
+                channel->WriteXML("Integer", IntegerAt(i));
+        }
+        channel->WriteEndElement();
     }
-    return text + "</project>\n";
+    channel->WriteEndElement();
+    return NuvXML::ExportOChannelToUniString(channel.get()).ToUTF8();
 }
 
 } // namespace Benchmarks

@@ -3,8 +3,8 @@
 #include "NuvXMLUtils/ChannelFormatTargets.hpp"
 #include "NuvXMLUtils/NuvXMLInterface.hpp"
 #include "NuvXMLUtils/SAXWriters.hpp"
-#include "benchmarks/Documents.hpp"
 #include "benchmarks/Ratios.hpp"
+#include "benchmarks/Records.hpp"
 
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/sax2/DefaultHandler.hpp>

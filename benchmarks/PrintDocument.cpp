@@ -1,8 +1,8 @@
 /// @file
 /// The DOM printer beside Xerces' serializer and libxml2: the same document of 15 MB, to memory.
 #include "NuvXMLUtils/FormatXMLDoc.hpp"
-#include "benchmarks/Documents.hpp"
 #include "benchmarks/Ratios.hpp"
+#include "benchmarks/Records.hpp"
 
 #include <libxml/parser.h>
 #include <libxml/tree.h>
@@ -30,9 +30,11 @@ const std::string& Source()
 
 const DOMDocument& Document()
 {
-    static const NuvXML::XercesPtr<DOMDocument> document = [] {
+    static const NuvXML::XercesPtr<DOMDocument> document = []
+    {
         XercesDOMParser parser;
-        const MemBufInputSource input(reinterpret_cast<const XMLByte*>(Source().data()), Source().size(), "source");
+        const MemBufInputSource input(reinterpret_cast<const XMLByte*>(Source().data()), Source().size(),
+                                      "source");
         parser.parse(input);
         return NuvXML::XercesPtr<DOMDocument>(parser.adoptDocument());
     }();
