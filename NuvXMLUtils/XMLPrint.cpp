@@ -46,7 +46,7 @@ constexpr XMLPrint::Token EntityFor(char16_t character)
 XMLPrint::XMLPrint(std::unique_ptr<TextEncoder> textEncoder)
     : encoder(std::move(textEncoder))
     , buffer(new (std::nothrow) unsigned char[BufferSize])
-    , freeBytes{buffer.get(), buffer.get() + BufferSize}
+    , freeBytes{buffer.get(), buffer ? buffer.get() + BufferSize : nullptr}
 {
 }
 
@@ -54,7 +54,7 @@ XMLPrint::~XMLPrint() = default;
 
 void XMLPrint::Write(const char16_t* text)
 {
-    Format(text, std::char_traits<char16_t>::length(text), escapeMode);
+    Format(text, std::char_traits<char16_t>::length(text), NoEscapes);
 }
 
 void XMLPrint::Write(Token token)

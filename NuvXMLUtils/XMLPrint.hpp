@@ -4,7 +4,6 @@
 #pragma once
 
 #include "NuvRoot/Channels.hpp"
-#include "NuvRoot/UniString.hpp"
 #include "NuvXMLUtils/TextEncoders.hpp"
 
 #include <array>
@@ -50,12 +49,10 @@ class XMLPrint
     /// False when there is no memory for the buffer; the formatter is of no use then.
     bool IsReady() const { return buffer != nullptr; }
 
-    // Writing, with the current escape mode.
+    // Writing, without escapes.
 
-    void SetEscapeMode(EscapeMode mode) { escapeMode = mode; }
-    void Write(char16_t character) { Format(&character, 1, escapeMode); }
+    void Write(char16_t character) { Format(&character, 1, NoEscapes); }
     void Write(const char16_t* text);
-    void Write(const Nuv::UniString& text) { Format(text.ToUTF16(), text.GetLength(), escapeMode); }
 
     void Write(Token token);
 
@@ -87,7 +84,6 @@ class XMLPrint
     void Encode(Token token);
 
     std::unique_ptr<TextEncoder> encoder;
-    EscapeMode escapeMode = NoEscapes;
     char16_t lastWritten = 0;
     char16_t writtenBeforeLast = 0;
     std::unique_ptr<unsigned char[]> buffer;
