@@ -1,0 +1,202 @@
+#include "NuvXMLUtils/FormatterText.hpp"
+
+#include "NuvXMLUtils/Characters.hpp"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace NuvXML
+{
+namespace
+{
+
+using xercesc_3_0::XMLFormatter;
+
+/// What becomes of the characters of one kind of text.
+class Escapes
+{
+  public:
+    /// @param except control characters that stay as they are
+    constexpr Escapes(std::u16string_view listed, std::u16string_view except)
+    {
+        for (char16_t unit = 0; unit < isSpecial.size(); ++unit)
+            isSpecial[unit] = (unit < 0x20 || unit >= 0x7F) && except.find(unit) == except.npos;
+        for (const char16_t unit : listed)
+            isSpecial[unit] = true;
+    }
+
+    /// The position of the first character that is escaped, or may be.
+    size_t Find(std::u16string_view text) const
+    {
+        size_t position = 0;
+        while (position < text.size() && !(text[position] < isSpecial.size() && isSpecial[text[position]]))
+            ++position;
+        return position;
+    }
+
+  private:
+    std::array<bool, 0xA0> isSpecial{};
+};
+
+/// Formatters escape CR in both, and control characters when they write XML 1.1.
+constexpr Escapes ValueEscapes(u"&<\"", u"");
+constexpr Escapes CharacterEscapes(u"&<>", u"\t\n");
+
+/// The entity reference for the character, or an empty text for a control character.
+std::u16string_view EntityFor(XMLCh character)
+{
+    switch (character)
+    {
+    case u'&':
+        return u"&amp;";
+    case u'<':
+        return u"&lt;";
+    case u'>':
+        return u"&gt;";
+    case u'"':
+        return u"&quot;";
+    default:
+        return {};
+    }
+}
+
+std::u16string_view ViewOf(const XMLCh* text)
+{
+    return text ? std::u16string_view(text) : std::u16string_view();
+}
+
+} // namespace
+
+FormatterText::FormatterText(XMLFormatter& target)
+    : formatter(target)
+    , encoder(MakeTextEncoder(*target.getTranscoder()))
+{
+}
+
+FormatterText::~FormatterText() = default;
+
+void FormatterText::WriteCharacters(const XMLCh* chars, XMLSize_t length)
+{
+    std::u16string_view text(chars, length);
+    if (text.empty())
+        return;
+    if (heldHalf != 0 && IsTrailSurrogate(text.front()))
+    {
+        const XMLCh pair[] = {std::exchange(heldHalf, XMLCh(0)), text.front()};
+        Send(std::u16string_view(pair, std::size(pair)));
+        text.remove_prefix(1);
+    }
+    BeginEvent();
+    if (!text.empty() && IsLeadSurrogate(text.back()))
+    {
+        heldHalf = text.back();
+        text.remove_suffix(1);
+    }
+    if (event.empty() && CharacterEscapes.Find(text) == text.size())
+        return Send(text);
+    WriteEscaped(text, XMLFormatter::CharEscapes);
+    EndEvent();
+}
+
+void FormatterText::BeginEvent()
+{
+    event.clear();
+    if (heldHalf != 0)
+        event.push_back(std::exchange(heldHalf, XMLCh(0)));
+}
+
+void FormatterText::Write(const XMLCh* text) { event.append(ViewOf(text)); }
+
+void FormatterText::WriteValue(const XMLCh* text) { WriteEscaped(ViewOf(text), XMLFormatter::AttrEscapes); }
+
+void FormatterText::EndEvent() { Send(event); }
+
+void FormatterText::WriteEscaped(std::u16string_view text, EscapeFlags flags)
+{
+    const Escapes& escapes = flags == XMLFormatter::AttrEscapes ? ValueEscapes : CharacterEscapes;
+    for (;;)
+    {
+        const size_t plain = escapes.Find(text);
+        event.append(text.substr(0, plain));
+        if (plain == text.size())
+            return;
+        if (const std::u16string_view entity = EntityFor(text[plain]); !entity.empty())
+            event.append(entity);
+        else
+        {
+            Send(event);
+            event.clear();
+            const XMLCh control[] = {text[plain], 0}; // formatters look at the unit behind their text
+            formatter.formatBuf(control, 1, flags);
+        }
+        text.remove_prefix(plain + 1);
+    }
+}
+
+void FormatterText::Send(std::u16string_view text)
+{
+    if (encoder)
+        Encode(text.data(), text.data() + text.size());
+    else
+        Format(text.data(), text.data() + text.size());
+}
+
+void FormatterText::Encode(const XMLCh* text, const XMLCh* end)
+{
+    static constexpr EscapeList nothing;
+    FreeBytes bytes{buffer.data(), buffer.data() + buffer.size() - TerminatorSize};
+    for (;;)
+    {
+        const Stop stop = encoder->Encode(text, end, nothing, bytes);
+        SendBytes(bytes);
+        if (stop == Stop::AtEnd)
+            return;
+        if (stop == Stop::AtLacking)
+        {
+            FormatLacking(text, end);
+            text += LengthOfCharacterAt(text, end);
+        }
+    }
+}
+
+/// Writes a character that the encoding lacks as the formatter is told to; half a pair is always a reference.
+void FormatterText::FormatLacking(const XMLCh* text, const XMLCh* end)
+{
+    const char32_t character = CharacterAt(text, end);
+    if (formatter.getUnRepFlags() == XMLFormatter::UnRep_CharRef || IsHalf(character))
+    {
+        const std::u16string reference = ReferenceTo(character);
+        formatter.formatBuf(reference.data(), reference.length(), XMLFormatter::NoEscapes,
+                            XMLFormatter::UnRep_Fail);
+    }
+    else
+        formatter.formatBuf(text, LengthOfCharacterAt(text, end), XMLFormatter::NoEscapes);
+}
+
+void FormatterText::SendBytes(FreeBytes& bytes)
+{
+    const auto count = static_cast<XMLSize_t>(bytes.next - buffer.data());
+    std::fill_n(bytes.next, TerminatorSize, static_cast<unsigned char>(0));
+    bytes.next = buffer.data();
+    // The operation by which a formatter sends bytes on as they are, whatever they are.
+    if (count != 0)
+        formatter.writeBOM(buffer.data(), count);
+}
+
+void FormatterText::Format(const XMLCh* text, const XMLCh* end)
+{
+    while (text != end)
+    {
+        const XMLCh* stop = text;
+        while (stop != end && !IsHalf(CharacterAt(stop, end)))
+            stop += LengthOfCharacterAt(stop, end);
+        if (stop != text)
+            formatter.formatBuf(text, static_cast<XMLSize_t>(stop - text), XMLFormatter::NoEscapes);
+        if (stop != end)
+            FormatLacking(stop++, end);
+        text = stop;
+    }
+}
+
+} // namespace NuvXML

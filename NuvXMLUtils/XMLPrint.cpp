@@ -1,0 +1,152 @@
+#include "NuvXMLUtils/XMLPrint.hpp"
+
+#include "NuvXMLUtils/Characters.hpp"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <string_view>
+#include <utility>
+
+namespace NuvXML
+{
+namespace
+{
+
+/// By escape mode.
+constexpr EscapeList EscapeLists[] = {
+    EscapeList(),
+    EscapeList(u'&', u'<', u'"', u'\''),
+    EscapeList(u'&', u'<', u'>', u'>'),
+};
+
+/// By token.
+constexpr std::u16string_view TokenTexts[] = {u"&amp;", u"&apos;", u"&gt;", u"&lt;", u"&quot;", u"<",
+                                              u"</",    u">",      u"/>",   u" ",    u"=\"",    u"\""};
+
+constexpr XMLPrint::Token EntityFor(char16_t character)
+{
+    switch (character)
+    {
+    case u'&':
+        return XMLPrint::EntityAmp;
+    case u'\'':
+        return XMLPrint::EntityApos;
+    case u'>':
+        return XMLPrint::EntityGt;
+    case u'<':
+        return XMLPrint::EntityLt;
+    default:
+        return XMLPrint::EntityQuot;
+    }
+}
+
+} // namespace
+
+XMLPrint::XMLPrint(std::unique_ptr<TextEncoder> textEncoder)
+    : encoder(std::move(textEncoder))
+    , buffer(new (std::nothrow) unsigned char[BufferSize])
+    , freeBytes{buffer.get(), buffer ? buffer.get() + BufferSize : nullptr}
+{
+}
+
+XMLPrint::~XMLPrint() = default;
+
+void XMLPrint::Write(const char16_t* text)
+{
+    Format(text, std::char_traits<char16_t>::length(text), NoEscapes);
+}
+
+void XMLPrint::Write(Token token)
+{
+    const EncodedToken& encoded = tokens[token];
+    if (encoded.count == 0)
+        Encode(token);
+    if (freeBytes.Count() < encoded.bytes.size())
+        Flush();
+    // A copy of fixed size, mostly of more than the token has, takes no call.
+    constexpr size_t UsualMaxCount = 16;
+    if (encoded.count <= UsualMaxCount)
+        std::memcpy(freeBytes.next, encoded.bytes.data(), UsualMaxCount);
+    else
+        std::memcpy(freeBytes.next, encoded.bytes.data(), encoded.count);
+    freeBytes.next += encoded.count;
+    lastWritten = 0;
+}
+
+void XMLPrint::Format(const char16_t* text, size_t length, EscapeMode mode)
+{
+    const char16_t* position = text;
+    const char16_t* const end = text + length;
+    for (Stop stop; (stop = encoder->Encode(position, end, EscapeLists[mode], freeBytes)) != Stop::AtEnd;)
+    {
+        if (stop == Stop::NoRoom)
+            Flush();
+        else if (stop == Stop::AtLacking)
+        {
+            const std::u16string reference = ReferenceTo(CharacterAt(position, end));
+            Format(reference.data(), reference.length(), NoEscapes);
+            position += LengthOfCharacterAt(position, end);
+        }
+        else
+        {
+            const char16_t previous = position - text > 0 ? position[-1] : lastWritten;
+            const char16_t beforePrevious = position - text > 1   ? position[-2]
+                                            : position - text > 0 ? lastWritten
+                                                                  : writtenBeforeLast;
+            FormatListed(*position, previous, beforePrevious);
+            ++position;
+        }
+    }
+    if (length > 0)
+    {
+        writtenBeforeLast = length > 1 ? end[-2] : lastWritten;
+        lastWritten = end[-1];
+    }
+}
+
+void XMLPrint::FormatListed(char16_t character, char16_t previous, char16_t beforePrevious)
+{
+    if (character == u'>' && !(previous == u']' && beforePrevious == u']'))
+        return Format(&character, 1, NoEscapes);
+    Write(EntityFor(character));
+}
+
+void XMLPrint::Encode(Token token)
+{
+    EncodedToken& encoded = tokens[token];
+    const std::u16string_view text = TokenTexts[token];
+    const char16_t* position = text.data();
+    FreeBytes out{encoded.bytes.data(), encoded.bytes.data() + encoded.bytes.size()};
+    encoder->Encode(position, position + text.length(), EscapeLists[NoEscapes], out);
+    encoded.count = static_cast<size_t>(out.next - encoded.bytes.data());
+}
+
+void XMLPrint::WriteRaw(const unsigned char* bytes, size_t count)
+{
+    if (freeBytes.Count() < count)
+        Flush();
+    freeBytes.next = std::copy_n(bytes, count, freeBytes.next);
+}
+
+void XMLPrint::Flush()
+{
+    const auto count = static_cast<size_t>(freeBytes.next - buffer.get());
+    freeBytes.next = buffer.get();
+    if (count != 0)
+        WriteBytes(buffer.get(), count);
+}
+
+XMLPrintTarget::XMLPrintTarget(std::unique_ptr<TextEncoder> textEncoder, Nuv::OChannel& target)
+    : XMLPrint(std::move(textEncoder))
+    , channel(target)
+{
+}
+
+void XMLPrintTarget::WriteBytes(const unsigned char* bytes, size_t count)
+{
+    if (ok)
+        ok = channel.Write(bytes, count) == 0;
+}
+
+} // namespace NuvXML

@@ -1,0 +1,111 @@
+/// @file
+/// The formatter under the DOM printer: escapes text, encodes it and sends the bytes on. Private to the
+/// library.
+#pragma once
+
+#include "NuvRoot/Channels.hpp"
+#include "NuvXMLUtils/TextEncoders.hpp"
+
+#include <array>
+#include <cstddef>
+#include <memory>
+
+namespace NuvXML
+{
+
+/// Formats text. A character that the encoding lacks becomes a character reference, whatever the escape mode.
+class XMLPrint
+{
+  public:
+    enum EscapeMode
+    {
+        NoEscapes,
+        AttributeEscapes,
+        TextEscapes ///< `>` is escaped where it ends "]]>", also when the brackets were written before
+    };
+
+    /// Fixed texts that are written often: each is encoded once, when it is first needed.
+    enum Token
+    {
+        EntityAmp,
+        EntityApos,
+        EntityGt,
+        EntityLt,
+        EntityQuot,
+        StartTagOpen,
+        EndTagOpen,
+        TagClose,
+        EmptyTagClose,
+        AttributeSeparator,
+        ValueOpen,
+        ValueClose
+    };
+
+    explicit XMLPrint(std::unique_ptr<TextEncoder> textEncoder);
+    XMLPrint(const XMLPrint&) = delete;
+    XMLPrint& operator=(const XMLPrint&) = delete;
+    virtual ~XMLPrint();
+
+    /// False when there is no memory for the buffer; the formatter is of no use then.
+    bool IsReady() const { return buffer != nullptr; }
+
+    // Writing, without escapes.
+
+    void Write(char16_t character) { Format(&character, 1, NoEscapes); }
+    void Write(const char16_t* text);
+
+    void Write(Token token);
+
+    /// Writes text with the given escape mode.
+    void Format(const char16_t* text, size_t length, EscapeMode mode);
+
+    /// Writes bytes as they are.
+    void WriteRaw(const unsigned char* bytes, size_t count);
+
+    /// Sends on what is in the buffer. Destroying the formatter does not.
+    void Flush();
+
+  protected:
+    /// Takes a block of encoded bytes.
+    virtual void WriteBytes(const unsigned char* bytes, size_t count) = 0;
+
+  private:
+    static constexpr size_t BufferSize = 0x10000;
+
+    static constexpr size_t TokenCount = ValueClose + 1;
+
+    struct EncodedToken
+    {
+        std::array<unsigned char, 6 * TextEncoder::MaxBytesPerCharacter> bytes;
+        size_t count = 0;
+    };
+
+    void FormatListed(char16_t character, char16_t previous, char16_t beforePrevious);
+    void Encode(Token token);
+
+    std::unique_ptr<TextEncoder> encoder;
+    char16_t lastWritten = 0;
+    char16_t writtenBeforeLast = 0;
+    std::unique_ptr<unsigned char[]> buffer;
+    FreeBytes freeBytes;
+    std::array<EncodedToken, TokenCount> tokens;
+};
+
+/// Sends the bytes to a channel, until the channel tells an error.
+class XMLPrintTarget final : public XMLPrint
+{
+  public:
+    XMLPrintTarget(std::unique_ptr<TextEncoder> textEncoder, Nuv::OChannel& target);
+
+    /// False once the channel has told an error; all later output is dropped.
+    bool IsOk() const { return ok; }
+
+  protected:
+    void WriteBytes(const unsigned char* bytes, size_t count) override;
+
+  private:
+    Nuv::OChannel& channel;
+    bool ok = true;
+};
+
+} // namespace NuvXML
