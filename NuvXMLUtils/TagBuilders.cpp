@@ -109,8 +109,8 @@ Nuv::UniString DecimalText(Integer value)
     return digits;
 }
 
-/// Twelve significant digits. The exponent has at least three digits and zero has no sign, as on every
-/// platform that ever wrote these files.
+/// Twelve significant digits. The exponent has at least three digits and zero has no sign, so that every
+/// platform writes the same.
 Nuv::UniString DecimalText(double value)
 {
     char digits[32];
