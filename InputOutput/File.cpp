@@ -43,7 +43,8 @@ File::File(const Location& file, OnNotFound treatment)
     : location(file)
     , onNotFound(treatment)
 {
-    if (onNotFound == FailWhenNotFound && access(location.ToNativePath().c_str(), F_OK) != 0)
+    struct stat properties;
+    if (onNotFound == FailWhenNotFound && stat(location.ToNativePath().c_str(), &properties) != 0)
         status = CodeOfLastError();
 }
 

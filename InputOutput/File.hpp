@@ -39,7 +39,8 @@ class INPUTOUTPUT_API File : public Nuv::OChannel, public Nuv::IChannel
     /// Closes the file, if it is open.
     ~File() override;
 
-    /// NotFound when the constructor looked for an existing file and there was none, 0 otherwise.
+    /// What the constructor found when it looked for an existing file: 0, NotFound or what else kept it from
+    /// finding one. 0 when it had no need to look.
     int GetStatus() const { return status; }
 
     /// Opens the file; folders are refused. An open file is closed first.

@@ -6,7 +6,6 @@
 #include <random>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace IO
 {
@@ -44,8 +43,11 @@ int Folder::GenerateUnusedName(const Nuv::UniString& prefix, Name& name) const
         const Name candidate(prefix + RandomSuffix(source));
         Location file = location;
         file.AppendToLocal(candidate);
-        if (access(file.ToNativePath().c_str(), F_OK) == 0)
+        // A link that leads nowhere has its name all the same.
+        if (lstat(file.ToNativePath().c_str(), &properties) == 0)
             continue;
+        if (const int code = CodeOfLastError(); code != NotFound)
+            return code;
         name = candidate;
         return NoError;
     }

@@ -37,9 +37,9 @@ std::string_view WithoutAuthority(std::string_view rest)
     return rest;
 }
 
-std::string_view WithoutTrailingSlashes(std::string_view path)
+std::u16string_view WithoutTrailingSlashes(std::u16string_view path)
 {
-    while (!path.empty() && path.back() == '/')
+    while (!path.empty() && path.back() == u'/')
         path.remove_suffix(1);
     return path;
 }
@@ -54,7 +54,7 @@ std::string PercentDecode(std::string_view text)
         unsigned char value = 0;
         const bool isEncoded =
             text.size() >= 3 && text[0] == '%' &&
-            std::from_chars(text.data() + 1, text.data() + 3, value, 16).ptr == text.data() + 3;
+            std::from_chars(text.data() + 1, text.data() + 3, value, 16).ptr == text.data() + 3 && value != 0;
         decoded += isEncoded ? static_cast<char>(value) : text[0];
         text.remove_prefix(isEncoded ? 3 : 1);
     }
@@ -78,15 +78,11 @@ Nuv::UniString Location::ToURL() const
 {
     if (IsEmpty())
         return {};
-    Nuv::UniString absolute = path;
-    if (path[0] != u'/')
-    {
-        std::error_code ignored;
-        absolute = Nuv::UniString::FromUTF8(std::filesystem::current_path(ignored).string());
-        absolute += u'/';
-        absolute += path;
-    }
-    return Nuv::UniString::FromUTF8("file://" + PercentEncode(absolute, MayStandInURLPath));
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(ToNativePath(), error);
+    if (error)
+        return {};
+    return Nuv::UniString::FromUTF8("file://" + PercentEncode(absolute.string(), MayStandInURLPath));
 }
 
 void Location::AppendToLocal(const Name& name)
@@ -104,12 +100,11 @@ void Location::AppendToLocal(const RelativeLocation& location)
 
 bool Location::GetLastLocalName(Name& name) const
 {
-    const std::string native = ToNativePath();
-    const std::string_view names = WithoutTrailingSlashes(native);
+    const std::u16string_view names = WithoutTrailingSlashes(path.View());
     if (names.empty())
         return false;
-    const size_t slash = names.rfind('/');
-    name = Name(Nuv::UniString::FromUTF8(slash == names.npos ? names : names.substr(slash + 1)));
+    const size_t slash = names.rfind(u'/');
+    name = Name(slash == names.npos ? names : names.substr(slash + 1));
     return true;
 }
 

@@ -20,8 +20,8 @@ class INPUTOUTPUT_API Location
     explicit Location(const Nuv::UniString& pathOrURL);
 
     /// Takes a path as it stands, or a `file:` URL (RFC 8089; `file:///a`, `file://localhost/a` and `file:/a`
-    /// mean the same), whose percent-encoded bytes are decoded. A `%` that two hexadecimal digits do not
-    /// follow stands for itself, and so do `?` and `#`.
+    /// mean the same), whose percent-encoded bytes are decoded as UTF-8. A `%` that two hexadecimal digits do
+    /// not follow stands for itself, and so do `%00`, `?` and `#`.
     void Set(const Nuv::UniString& pathOrURL);
 
     bool IsEmpty() const { return path.IsEmpty(); }
@@ -32,8 +32,8 @@ class INPUTOUTPUT_API Location
     /// The path as UTF-8, as the operating system takes it.
     std::string ToNativePath() const { return path.ToUTF8(); }
 
-    /// `file:///...` of the absolute path, percent-encoded UTF-8. Set gives the same path back. An empty
-    /// location has an empty URL.
+    /// `file:///...` of the absolute path, percent-encoded UTF-8. Set gives the same path back. Empty for an
+    /// empty location, and for a relative path when the current folder is not known (because it is deleted).
     Nuv::UniString ToURL() const;
 
     /// The path, for messages; empty for an empty location.

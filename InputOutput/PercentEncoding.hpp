@@ -2,21 +2,19 @@
 /// Percent-encoding of names in URLs (RFC 3986, section 2.1). Private to InputOutput.
 #pragma once
 
-#include "NuvRoot/UniString.hpp"
-
 #include <string>
 #include <string_view>
 
 namespace IO
 {
 
-/// `text` as UTF-8, with `%` and two upper-case digits for every byte that `isKept` refuses.
+/// `text` with `%` and two upper-case digits for every byte that `isKept` refuses.
 template <class Predicate>
-std::string PercentEncode(const Nuv::UniString& text, Predicate isKept)
+std::string PercentEncode(std::string_view text, Predicate isKept)
 {
     static constexpr char Digits[] = "0123456789ABCDEF";
     std::string encoded;
-    for (const char byte : text.ToUTF8())
+    for (const char byte : text)
     {
         const auto value = static_cast<unsigned char>(byte);
         if (isKept(value))
@@ -31,7 +29,8 @@ std::string PercentEncode(const Nuv::UniString& text, Predicate isKept)
     return encoded;
 }
 
-/// The bytes that `text` stands for; a `%` without two hexadecimal digits behind it stands for itself.
+/// The bytes that `text` stands for. A `%` without two hexadecimal digits behind it stands for itself, and so
+/// does `%00`: a zero byte would end the name for the operating system.
 std::string PercentDecode(std::string_view text);
 
 } // namespace IO

@@ -32,7 +32,7 @@ Nuv::UniString RelativeLocation::ToURL() const
     {
         if (i != 0)
             url += '/';
-        url += PercentEncode(names[i].ToUniString(), IsReadable);
+        url += PercentEncode(names[i].ToUniString().ToUTF8(), IsReadable);
     }
     return Nuv::UniString::FromUTF8(url);
 }

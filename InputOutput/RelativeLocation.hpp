@@ -21,7 +21,7 @@ class INPUTOUTPUT_API RelativeLocation
     bool IsEmpty() const { return names.empty(); }
     const Nuv::Array<Name>& GetNames() const { return names; }
 
-    /// `file://` followed by the names, joined with `/`. Names stay readable: only `%`, `/` and control
+    /// `file://` followed by the names, joined with `/`. Names stay readable: only `%`, `/` and ASCII control
     /// characters are percent-encoded (as UTF-8), so that `#text` shows as it is.
     Nuv::UniString ToURL() const;
 

@@ -5,6 +5,7 @@
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
 #include <unicode/ustring.h>
+#include <unicode/utf16.h>
 
 #include <algorithm>
 #include <cstring>
@@ -12,6 +13,7 @@
 #include <limits>
 #include <locale.h>
 #include <memory>
+#include <optional>
 
 namespace Nuv
 {
@@ -29,6 +31,8 @@ Converter OpenConverter(const char* name)
 {
     UErrorCode status = U_ZERO_ERROR;
     Converter converter(ucnv_open(name, &status));
+    if (status == U_MEMORY_ALLOCATION_ERROR)
+        throw OutOfMemoryException();
     return U_SUCCESS(status) ? std::move(converter) : nullptr;
 }
 
@@ -38,15 +42,22 @@ bool IsUTF8(UConverter* converter) { return ucnv_getType(converter) == UCNV_UTF8
 /// UTF-16 and for code pages with escape sequences.
 bool HoldsASCII(UConverter* converter)
 {
-    for (char byte = 1; byte > 0 && byte < 0x7F; ++byte)
+    for (UChar expected = 0; expected < 0x80; ++expected)
     {
         UErrorCode status = U_ZERO_ERROR;
         UChar unit[4];
+        const char byte = static_cast<char>(expected);
         const int32_t length = ucnv_toUChars(converter, unit, 4, &byte, 1, &status);
-        if (U_FAILURE(status) || length != 1 || unit[0] != static_cast<UChar>(byte))
+        if (U_FAILURE(status) || length != 1 || unit[0] != expected)
             return false;
     }
     return true;
+}
+
+template <class Character>
+bool IsASCII(std::basic_string_view<Character> text)
+{
+    return std::none_of(text.begin(), text.end(), [](Character unit) { return (unit & ~0x7F) != 0; });
 }
 
 constexpr char UTF8Name[] = "UTF-8";
@@ -126,8 +137,8 @@ bool IsConversionFault(UConverterCallbackReason reason)
     return reason == UCNV_UNASSIGNED || reason == UCNV_ILLEGAL || reason == UCNV_IRREGULAR;
 }
 
-// ICU's own callbacks drop default-ignorable characters such as U+200B without a word and may substitute
-// U+001A; these do neither.
+// ICU's own callbacks, the stopping one too, drop default-ignorable characters such as U+200B without a word,
+// and may substitute U+001A; these do neither.
 
 void DecodeFaultAsReplacementCharacter(const void*, UConverterToUnicodeArgs* arguments, const char*, int32_t,
                                        UConverterCallbackReason reason, UErrorCode* status)
@@ -137,17 +148,6 @@ void DecodeFaultAsReplacementCharacter(const void*, UConverterToUnicodeArgs* arg
     static const UChar replacement[] = {0xFFFD};
     *status = U_ZERO_ERROR;
     ucnv_cbToUWriteUChars(arguments, replacement, 1, 0, status);
-}
-
-void EncodeFaultAsQuestionMark(const void*, UConverterFromUnicodeArgs* arguments, const UChar*, int32_t,
-                               UChar32, UConverterCallbackReason reason, UErrorCode* status)
-{
-    if (!IsConversionFault(reason))
-        return;
-    static const UChar questionMark[] = {u'?'};
-    const UChar* source = questionMark;
-    *status = U_ZERO_ERROR;
-    ucnv_cbFromUWriteUChars(arguments, &source, source + 1, 0, status);
 }
 
 void EncodeFaultAsError(const void*, UConverterFromUnicodeArgs*, const UChar*, int32_t, UChar32,
@@ -160,33 +160,60 @@ std::u16string DecodeWith(UConverter* converter, std::string_view text)
 {
     UErrorCode status = U_ZERO_ERROR;
     ucnv_setToUCallBack(converter, DecodeFaultAsReplacementCharacter, nullptr, nullptr, nullptr, &status);
-    // At most two units a byte, and room for what a stateful code page adds at the end.
-    std::u16string units(text.size() * 2 + 2, u'\0');
-    const int32_t length = ucnv_toUChars(converter, units.data(), static_cast<int32_t>(units.size()),
-                                         text.data(), CheckedLength(text.size()), &status);
-    units.resize(static_cast<size_t>(length));
-    return units;
+    // One unit a byte is enough for most code pages; ICU tells when it is not.
+    std::u16string units(text.size(), u'\0');
+    for (;;)
+    {
+        status = U_ZERO_ERROR;
+        const int32_t length = ucnv_toUChars(converter, units.data(), CheckedLength(units.size()),
+                                             text.data(), CheckedLength(text.size()), &status);
+        const bool fits = static_cast<size_t>(length) <= units.size();
+        units.resize(static_cast<size_t>(length));
+        if (fits)
+            return units;
+    }
 }
 
-bool EncodeWith(UConverter* converter, std::u16string_view text, CodePages::OnLoss onLoss, std::string& out)
+/// Nothing when a character would not come back.
+std::optional<std::string> EncodeExactly(UConverter* converter, std::u16string_view text)
 {
     UErrorCode status = U_ZERO_ERROR;
-    ucnv_setFromUCallBack(converter,
-                          onLoss == CodePages::OnLoss::Fail ? EncodeFaultAsError : EncodeFaultAsQuestionMark,
-                          nullptr, nullptr, nullptr, &status);
+    ucnv_setFromUCallBack(converter, EncodeFaultAsError, nullptr, nullptr, nullptr, &status);
     ucnv_setFallback(converter, false);
     // The ten extra characters make room for the escape sequences of stateful code pages.
     std::string bytes((text.size() + 10) * static_cast<size_t>(ucnv_getMaxCharSize(converter)), '\0');
     const int32_t length = ucnv_fromUChars(converter, bytes.data(), CheckedLength(bytes.size()), text.data(),
                                            CheckedLength(text.size()), &status);
     if (U_FAILURE(status))
-        return false;
+        return std::nullopt;
     bytes.resize(static_cast<size_t>(length));
-    // Some tables map private characters one way only; they would come back as something else.
-    if (onLoss == CodePages::OnLoss::Fail && DecodeWith(converter, bytes) != text)
-        return false;
-    out += bytes;
-    return true;
+    // Some tables map private characters one way only, whatever ucnv_setFallback says.
+    if (DecodeWith(converter, bytes) != text)
+        return std::nullopt;
+    return bytes;
+}
+
+/// The text with a question mark for each character that the code page lacks.
+std::u16string WithQuestionMarks(UConverter* converter, std::u16string_view text)
+{
+    std::u16string result;
+    for (size_t start = 0, end = 0; start < text.size(); start = end)
+    {
+        U16_FWD_1(text, end, text.size());
+        const std::u16string_view character = text.substr(start, end - start);
+        result += EncodeExactly(converter, character) ? character : u"?";
+    }
+    return result;
+}
+
+bool EncodeWith(UConverter* converter, std::u16string_view text, CodePages::OnLoss onLoss, std::string& out)
+{
+    std::optional<std::string> bytes = EncodeExactly(converter, text);
+    if (!bytes && onLoss == CodePages::OnLoss::Replace)
+        bytes = EncodeExactly(converter, WithQuestionMarks(converter, text));
+    if (bytes)
+        out += *bytes;
+    return bytes.has_value();
 }
 
 } // namespace
@@ -207,8 +234,12 @@ namespace CodePages
 
 bool IsPlainASCII(std::string_view text, NuvCharCode code)
 {
-    return (code == CC_UTF8 || Local().holdsASCII) &&
-           std::none_of(text.begin(), text.end(), [](char byte) { return (byte & 0x80) != 0; });
+    return (code == CC_UTF8 || Local().holdsASCII) && IsASCII(text);
+}
+
+bool IsPlainASCII(std::u16string_view text, NuvCharCode code)
+{
+    return (code == CC_UTF8 || Local().holdsASCII) && IsASCII(text);
 }
 
 std::u16string Decode(std::string_view text, NuvCharCode code)
@@ -223,6 +254,11 @@ std::u16string Decode(std::string_view text, NuvCharCode code)
 bool Encode(std::u16string_view text, NuvCharCode code, OnLoss onLoss, std::string& out,
             char32_t utf8Replacement)
 {
+    if (IsPlainASCII(text, code))
+    {
+        out.append(text.begin(), text.end());
+        return true;
+    }
     if (code == CC_UTF8 || Local().isUTF8)
         return EncodeUTF8(text, onLoss, out, utf8Replacement);
     return EncodeWith(OpenConverter(Local().name.c_str()).get(), text, onLoss, out);

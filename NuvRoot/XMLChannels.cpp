@@ -117,6 +117,8 @@ int XMLOChannel::WriteXMLCDATABinToHex(char** bytes)
 
 int XMLOChannel::WriteXMLCDATABinToHex(const char* bytes, unsigned int count)
 {
+    if (!bytes && count != 0)
+        return Failure;
     return WriteXMLCDATAString(HexTextOf(bytes, count));
 }
 

@@ -108,6 +108,8 @@ class NUVROOT_API XMLOChannel
 
     /// The bytes of the zero-terminated array `*bytes`, without the terminator; Failure for a null pointer.
     virtual int WriteXMLCDATABinToHex(char** bytes);
+
+    /// Failure for a null pointer to more than no bytes.
     virtual int WriteXMLCDATABinToHex(const char* bytes, unsigned int count);
     virtual int WriteXMLCDATAString(const UniString& value) = 0;
     virtual int WriteXMLCDATAString(const char* text, unsigned int length);

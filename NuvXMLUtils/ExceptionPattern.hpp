@@ -17,23 +17,23 @@ inline constexpr int LibraryExceptionID = -36;
 /// `Base`. It adds no data; copying and assigning are those of the base classes.
 #define NUVXML_EXCEPTION_MEMBERS(Class, Base)                                                                \
   public:                                                                                                    \
-    Class(const char* message, const char* sourceFile, unsigned int sourceLine)                              \
-        : Class(Nuv::UniString(message), sourceFile, sourceLine)                                             \
+    Class(const char* text, const char* sourceFile, unsigned int sourceLine)                                 \
+        : Class(Nuv::UniString(text), sourceFile, sourceLine)                                                \
     {                                                                                                        \
     }                                                                                                        \
-    Class(const char* message, const char* sourceFile, unsigned int sourceLine,                              \
-          const Nuv::NuvException& cause)                                                                    \
-        : Class(Nuv::UniString(message), sourceFile, sourceLine, cause)                                      \
+    Class(const char* text, const char* sourceFile, unsigned int sourceLine,                                 \
+          const Nuv::NuvException& causedBy)                                                                 \
+        : Class(Nuv::UniString(text), sourceFile, sourceLine, causedBy)                                      \
     {                                                                                                        \
     }                                                                                                        \
-    Class(const Nuv::UniString& message, const char* sourceFile, unsigned int sourceLine)                    \
-        : Nuv::NuvException(message, sourceFile, sourceLine, nullptr, NuvXML::LibraryExceptionID)            \
+    Class(const Nuv::UniString& text, const char* sourceFile, unsigned int sourceLine)                       \
+        : Nuv::NuvException(text, sourceFile, sourceLine, nullptr, NuvXML::LibraryExceptionID)               \
         , Base()                                                                                             \
     {                                                                                                        \
     }                                                                                                        \
-    Class(const Nuv::UniString& message, const char* sourceFile, unsigned int sourceLine,                    \
-          const Nuv::NuvException& cause)                                                                    \
-        : Nuv::NuvException(message, sourceFile, sourceLine, &cause, NuvXML::LibraryExceptionID)             \
+    Class(const Nuv::UniString& text, const char* sourceFile, unsigned int sourceLine,                       \
+          const Nuv::NuvException& causedBy)                                                                 \
+        : Nuv::NuvException(text, sourceFile, sourceLine, &causedBy, NuvXML::LibraryExceptionID)             \
         , Base()                                                                                             \
     {                                                                                                        \
     }                                                                                                        \

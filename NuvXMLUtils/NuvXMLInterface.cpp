@@ -1,10 +1,19 @@
 #include "NuvXMLUtils/NuvXMLInterface.hpp"
 
 #include "NuvRoot/Debug.hpp"
+#include "NuvXMLUtils/NuvXMLDOMBuilder.hpp"
+#include "NuvXMLUtils/NuvXMLDOMReader.hpp"
 #include "NuvXMLUtils/Xerces.hpp"
 
+#include <xercesc/dom/DOMException.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLUni.hpp>
+
+#include <cstring>
+#include <memory>
+#include <new>
+#include <utility>
 
 namespace NuvXML
 {
@@ -17,7 +26,205 @@ bool xercesInitialized = false;
 
 const XercescInitializer keepXercesUp;
 
+/// What the factories of one direction say and throw.
+struct OutputFactory
+{
+    using Channel = Nuv::XMLOChannel;
+    using OwnException = DOMBuilderException;
+    using ChannelException = XMLOChannelException;
+    static constexpr char NotEnoughMemory[] = "Not enough memory in CreateXMLOChannel";
+    static constexpr char Own[] = "NuvXML DOMBuilderException";
+    static constexpr char Unknown[] = "Unkonwn Exception in CreateXMLOChannel";
+};
+
+struct InputFactory
+{
+    using Channel = Nuv::XMLIChannel;
+    using OwnException = DOMReaderException;
+    using ChannelException = XMLIChannelException;
+    static constexpr char NotEnoughMemory[] = "Not enough memory in CreateXMLIChannel";
+    static constexpr char Own[] = "NuvXML DOMReaderException";
+    static constexpr char Unknown[] = "Unkonwn Exception in CreateXMLIChannel";
+};
+
+/// The message for the exception that is being handled.
+template <class Factory>
+const char* MessageOfFailure()
+{
+    try
+    {
+        throw;
+    }
+    catch (const std::bad_alloc&)
+    {
+        return Factory::NotEnoughMemory;
+    }
+    catch (const xercesc_3_0::OutOfMemoryException&)
+    {
+        return Factory::NotEnoughMemory;
+    }
+    catch (const typename Factory::OwnException&)
+    {
+        return Factory::Own;
+    }
+    catch (const xercesc_3_0::DOMException&)
+    {
+        return "Xercesc DOMException";
+    }
+    catch (...)
+    {
+        return Factory::Unknown;
+    }
+}
+
+template <class Factory, class Create>
+typename Factory::Channel* CreateChannel(Create create, bool throwOnError)
+{
+    const char* message = nullptr;
+    try
+    {
+        return create();
+    }
+    catch (...)
+    {
+        message = MessageOfFailure<Factory>();
+    }
+    if (throwOnError)
+        throw typename Factory::ChannelException(message, SourceFile, __LINE__);
+    return nullptr;
+}
+
+/// @param makePrefix makes "location (line):  " of the location's text and the line
+template <class Channel, class MakePrefix>
+void HarvestMessages(Channel& channel, Nuv::Array<Nuv::UniString>& messages, MakePrefix makePrefix)
+{
+    const int count = channel.GetNumberOfMessage();
+    if (count < 1)
+        return;
+    IO::Location location;
+    channel.GetLocation(location);
+    for (int i = 0; i < count; ++i)
+    {
+        Nuv::UniString text;
+        int line = 0;
+        channel.GetMessage(i, text, line);
+        Nuv::UniString entry = makePrefix(location.ToLogText(), line);
+        entry += text;
+        entry += u'\n';
+        messages.push_back(entry);
+    }
+}
+
+template <class Channel, class MakePrefix>
+void EndGuardedChannel(Channel** channel, Nuv::Array<Nuv::UniString>* messages, MakePrefix makePrefix)
+{
+    if (!channel || !*channel)
+        return;
+    const std::unique_ptr<Channel> ended(std::exchange(*channel, nullptr));
+    if (!messages)
+        return;
+    try
+    {
+        HarvestMessages(*ended, *messages, makePrefix);
+    }
+    catch (...)
+    {
+        // There was no memory for a message, and a guard has nobody to tell.
+    }
+}
+
 } // namespace
+
+NUVXML_DEFINE_EXCEPTION(XMLIOChannelException)
+NUVXML_DEFINE_EXCEPTION(XMLOChannelException)
+NUVXML_DEFINE_EXCEPTION(XMLIChannelException)
+
+Nuv::XMLOChannel* CreateXMLOChannel(bool throwOnError)
+{
+    return CreateChannel<OutputFactory>([] { return new DOMBuilder; }, throwOnError);
+}
+
+Nuv::XMLOChannel* CreateXMLOChannel(const IO::Location& location, bool throwOnError)
+{
+    return CreateChannel<OutputFactory>([&] { return new DOMBuilder(location); }, throwOnError);
+}
+
+void DisposeXMLOChannel(Nuv::XMLOChannel* channel) { delete channel; }
+
+Nuv::UniString ExportOChannelToUniString(Nuv::XMLOChannel* channel)
+{
+    auto* builder = dynamic_cast<DOMBuilder*>(channel);
+    return builder ? builder->Export() : Nuv::UniString();
+}
+
+XMLOChannelGuard::XMLOChannelGuard(Nuv::XMLOChannel** guarded)
+    : XMLOChannelGuard(guarded, nullptr)
+{
+}
+
+XMLOChannelGuard::XMLOChannelGuard(Nuv::XMLOChannel** guarded, Nuv::Array<Nuv::UniString>* list)
+    : channel(guarded)
+    , messages(list)
+{
+}
+
+XMLOChannelGuard::~XMLOChannelGuard()
+{
+    EndGuardedChannel(channel, messages,
+                      [](const Nuv::UniString& location, int line)
+                      {
+                          Nuv::UniString prefix;
+                          prefix.Printf("%s (%d):  ", location.ToString(), line);
+                          return prefix;
+                      });
+}
+
+Nuv::XMLIChannel* CreateXMLIChannel(const IO::Location& location, bool throwOnError)
+{
+    return CreateChannel<InputFactory>([&] { return new DOMReader(location); }, throwOnError);
+}
+
+Nuv::XMLIChannel* CreateXMLIChannelFromMemory(const unsigned char* buffer, unsigned int size,
+                                              bool throwOnError)
+{
+    return CreateChannel<InputFactory>([&] { return new DOMReader(buffer, size); }, throwOnError);
+}
+
+Nuv::XMLIChannel* CreateXMLIChannelFromMemory(const Nuv::UniString& text, bool throwOnError)
+{
+    return CreateChannel<InputFactory>(
+        [&]
+        {
+            const std::unique_ptr<char[]> bytes(text.CopyUTF8());
+            return new DOMReader(reinterpret_cast<const unsigned char*>(bytes.get()),
+                                 static_cast<unsigned int>(std::strlen(bytes.get())));
+        },
+        throwOnError);
+}
+
+void DisposeXMLIChannel(Nuv::XMLIChannel* channel) { delete channel; }
+
+XMLIChannelGuard::XMLIChannelGuard(Nuv::XMLIChannel** guarded)
+    : XMLIChannelGuard(guarded, nullptr)
+{
+}
+
+XMLIChannelGuard::XMLIChannelGuard(Nuv::XMLIChannel** guarded, Nuv::Array<Nuv::UniString>* list)
+    : channel(guarded)
+    , messages(list)
+{
+}
+
+XMLIChannelGuard::~XMLIChannelGuard()
+{
+    EndGuardedChannel(channel, messages,
+                      [](const Nuv::UniString& location, int line)
+                      {
+                          Nuv::UniString prefix;
+                          prefix.Printf("%S (%d):  ", location, line);
+                          return prefix;
+                      });
+}
 
 XercescInitializer::XercescInitializer()
 {

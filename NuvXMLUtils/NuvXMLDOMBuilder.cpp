@@ -1,0 +1,442 @@
+#include "NuvXMLUtils/NuvXMLDOMBuilder.hpp"
+
+#include "InputOutput/File.hpp"
+#include "InputOutput/FileSystem.hpp"
+#include "InputOutput/Folder.hpp"
+#include "NuvRoot/ValueText.hpp"
+#include "NuvXMLUtils/ChannelCursor.hpp"
+
+#include <xercesc/dom/DOMCDATASection.hpp>
+#include <xercesc/dom/DOMImplementation.hpp>
+#include <xercesc/dom/DOMLSException.hpp>
+#include <xercesc/dom/DOMLSOutput.hpp>
+#include <xercesc/dom/DOMLSSerializer.hpp>
+#include <xercesc/dom/DOMText.hpp>
+#include <xercesc/framework/MemBufFormatTarget.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLChar.hpp>
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <string>
+#include <string_view>
+
+namespace NuvXML
+{
+namespace
+{
+
+using xercesc_3_0::DOMLSException;
+
+constexpr char SourceFile[] = "NuvXMLDOMBuilder";
+
+constexpr XMLCh EncodingName[] = u"UTF-8";
+
+constexpr XMLCh LineFeed[] = u"\n";
+
+/// Null when Xerces is not running.
+xercesc_3_0::DOMDocument* CreateDocument()
+{
+    auto* implementation = xercesc_3_0::DOMImplementation::getImplementation();
+    return implementation ? implementation->createDocument(nullptr, nullptr, nullptr,
+                                                           xercesc_3_0::XMLPlatformUtils::fgMemoryManager)
+                          : nullptr;
+}
+
+xercesc_3_0::DOMDocument* CreateDocumentOrThrow(const char* message)
+{
+    auto* document = CreateDocument();
+    if (!document)
+        throw DOMBuilderException(message, SourceFile, __LINE__);
+    return document;
+}
+
+IO::Location ScratchLocation()
+{
+    IO::Location location;
+    IO::FileSystem::GetSpecialLocation(IO::FileSystem::TemporaryFolder, location);
+    IO::Name name;
+    IO::Folder(location).GenerateUnusedName(u"Scratch_", name);
+    name.AppendExtension(u"xml");
+    location.AppendToLocal(name);
+    return location;
+}
+
+/// The empty text when the conversion fails.
+template <class Integer>
+Nuv::UniString TextOf(Integer value)
+{
+    Nuv::UniChar buffer[256] = {};
+    Nuv::valuetostr(value, buffer, std::size(buffer));
+    return Nuv::UniString(buffer);
+}
+
+Nuv::UniString TextOf(unsigned char value) { return TextOf(static_cast<unsigned int>(value)); }
+
+/// The signed code of the character, whether `char` is signed or not.
+Nuv::UniString TextOf(char value) { return TextOf(static_cast<int>(static_cast<signed char>(value))); }
+
+/// CR LF and CR become LF.
+std::u16string WithLineFeeds(std::u16string_view text)
+{
+    std::u16string result;
+    result.reserve(text.size());
+    for (size_t i = 0; i < text.size(); ++i)
+    {
+        const bool isCR = text[i] == u'\r';
+        result += isCR ? u'\n' : text[i];
+        if (isCR && i + 1 < text.size() && text[i + 1] == u'\n')
+            ++i;
+    }
+    return result;
+}
+
+/// Takes off the front of `text` what one CDATA section can hold.
+std::u16string TakeCDATASection(std::u16string_view& text)
+{
+    constexpr std::u16string_view sectionEnd = u"]]>";
+    const size_t end = text.find(sectionEnd);
+    const std::u16string section(text.substr(0, end == text.npos ? end : end + sectionEnd.size() - 1));
+    text.remove_prefix(section.size());
+    return section;
+}
+
+bool IsXMLText(std::u16string_view text)
+{
+    using xercesc_3_0::XMLChar1_0;
+    for (size_t i = 0; i < text.size(); ++i)
+    {
+        if (XMLChar1_0::isXMLChar(text[i]))
+            continue;
+        if (i + 1 == text.size() || !XMLChar1_0::isXMLChar(text[i], text[i + 1]))
+            return false;
+        ++i;
+    }
+    return true;
+}
+
+} // namespace
+
+NUVXML_DEFINE_EXCEPTION(DOMBuilderException)
+
+DOMBuilder::DOMBuilder()
+    : location(ScratchLocation())
+    , document(CreateDocumentOrThrow("Xerces is not running."))
+    , ownsDocument(true)
+    , writeOnDestroy(false)
+{
+}
+
+DOMBuilder::DOMBuilder(const IO::Location& file)
+    : location(file)
+    , document(CreateDocumentOrThrow("Creating document failed."))
+    , actualNode(document->getDocumentElement())
+    , ownsDocument(true)
+    , writeOnDestroy(true)
+{
+}
+
+DOMBuilder::DOMBuilder(xercesc_3_0::DOMDocument* builtDocument, xercesc_3_0::DOMElement* element,
+                       OwnershipType ownership, int tabs)
+    : document(builtDocument)
+    , actualNode(element)
+    , depth(tabs)
+    , ownsDocument(ownership == TakeDocumentOver)
+    , writeOnDestroy(ownership == TakeDocumentOver)
+{
+    if (ownsDocument && document->getDocumentURI())
+        location.Set(document->getDocumentURI());
+}
+
+DOMBuilder::~DOMBuilder()
+{
+    try
+    {
+        if (writeOnDestroy)
+            WriteFile();
+    }
+    catch (...)
+    {
+        // A destructor has nobody to tell.
+    }
+    if (ownsDocument)
+        document->release();
+}
+
+DOMBuilder* DOMBuilder::Create(const Nuv::UniString&, const Nuv::UniString&) { return new DOMBuilder; }
+
+void DOMBuilder::SetXMLShemaVersion(const Nuv::ClassVersion& version) { schemaVersion = version; }
+
+void DOMBuilder::GetXMLShemaVersion(Nuv::ClassVersion& version) { version = schemaVersion; }
+
+bool DOMBuilder::GetLocation(IO::Location& out)
+{
+    out = location;
+    return !location.IsEmpty();
+}
+
+int DOMBuilder::WriteStartDocument() { return Nuv::Success; }
+
+int DOMBuilder::WriteEndDocument()
+{
+    if (autoTabs)
+        document->appendChild(document->createTextNode(LineFeed));
+    return Nuv::Success;
+}
+
+int DOMBuilder::WriteStartElement(const char* name)
+{
+    if (actualNode && !HasOpenElement())
+        return Nuv::Failure;
+    xercesc_3_0::DOMElement* element = document->createElement(NameText(name));
+    if (actualNode)
+    {
+        WriteNewLineAndTabs(static_cast<unsigned int>(depth));
+        ActualNode()->appendChild(element);
+    }
+    else
+    {
+        document->appendChild(element);
+        if (autoTabs)
+            document->insertBefore(document->createTextNode(LineFeed), element);
+    }
+    ++depth;
+    elementIsEmpty = true;
+    actualNode = element;
+    return Nuv::Success;
+}
+
+int DOMBuilder::WriteEndElement()
+{
+    if (!HasOpenElement())
+        return Nuv::Failure;
+    if (depth > 0)
+        --depth;
+    if (elementIsEmpty)
+        elementIsEmpty = false;
+    else
+        WriteNewLineAndTabs(static_cast<unsigned int>(depth));
+    actualNode = AsCursor(ActualNode()->getParentNode());
+    return Nuv::Success;
+}
+
+int DOMBuilder::WriteXML(const char* name, const Nuv::Guid& value)
+{
+    return WriteXML(name, value.ToUniString());
+}
+
+int DOMBuilder::WriteXML(const char* name, const Nuv::UniString& value)
+{
+    if (!actualNode)
+        return Nuv::Failure;
+    xercesc_3_0::DOMElement* element = document->createElement(NameText(name));
+    if (replaceCR && value.View().find(u'\r') != std::u16string_view::npos)
+        element->appendChild(document->createTextNode(WithLineFeeds(value.View()).c_str()));
+    else if (!value.IsEmpty())
+        element->appendChild(document->createTextNode(value.ToUTF16()));
+    AppendToOpenElement(element);
+    return Nuv::Success;
+}
+
+int DOMBuilder::WriteXML(const char* name, unsigned long long value) { return WriteXML(name, TextOf(value)); }
+
+int DOMBuilder::WriteXML(const char* name, long long value) { return WriteXML(name, TextOf(value)); }
+
+int DOMBuilder::WriteXML(const char* name, unsigned long value) { return WriteXML(name, TextOf(value)); }
+
+int DOMBuilder::WriteXML(const char* name, long value) { return WriteXML(name, TextOf(value)); }
+
+int DOMBuilder::WriteXML(const char* name, unsigned int value) { return WriteXML(name, TextOf(value)); }
+
+int DOMBuilder::WriteXML(const char* name, int value) { return WriteXML(name, TextOf(value)); }
+
+int DOMBuilder::WriteXML(const char* name, unsigned short value) { return WriteXML(name, TextOf(value)); }
+
+int DOMBuilder::WriteXML(const char* name, short value) { return WriteXML(name, TextOf(value)); }
+
+int DOMBuilder::WriteXML(const char* name, unsigned char value) { return WriteXML(name, TextOf(value)); }
+
+int DOMBuilder::WriteXML(const char* name, char value) { return WriteXML(name, TextOf(value)); }
+
+int DOMBuilder::WriteXMLTextNode(const Nuv::UniString& text)
+{
+    if (!actualNode)
+        return Nuv::Failure;
+    AppendToOpenElement(document->createTextNode(text.ToUTF16()));
+    return Nuv::Success;
+}
+
+int DOMBuilder::WriteXMLCDATAString(const Nuv::UniString& text)
+{
+    if (!actualNode)
+        return Nuv::Failure;
+    holdsUnwritableCDATA = holdsUnwritableCDATA || !IsXMLText(text.View());
+    std::u16string_view rest = text.View();
+    AppendToOpenElement(document->createCDATASection(TakeCDATASection(rest).c_str()));
+    while (!rest.empty())
+        ActualNode()->appendChild(document->createCDATASection(TakeCDATASection(rest).c_str()));
+    return Nuv::Success;
+}
+
+int DOMBuilder::WriteXMLVersionAttr(const Nuv::ClassVersion& version)
+{
+    const int status = WriteXMLAttr("Mv", version.majorNumber);
+    return status != Nuv::Success ? status : WriteXMLAttr("Sv", version.minorNumber);
+}
+
+int DOMBuilder::WriteXMLAttr(const char* name, const Nuv::Guid& value)
+{
+    return WriteXMLAttr(name, value.ToUniString());
+}
+
+int DOMBuilder::WriteXMLAttr(const char* name, const Nuv::UniString& value)
+{
+    if (!HasOpenElement())
+        return Nuv::Failure;
+    actualNode->setAttribute(NameText(name), value.ToUTF16());
+    return Nuv::Success;
+}
+
+int DOMBuilder::WriteXMLAttr(const char* name, unsigned long long value)
+{
+    return WriteXMLAttr(name, TextOf(value));
+}
+
+int DOMBuilder::WriteXMLAttr(const char* name, long long value) { return WriteXMLAttr(name, TextOf(value)); }
+
+int DOMBuilder::WriteXMLAttr(const char* name, unsigned int value)
+{
+    return WriteXMLAttr(name, TextOf(value));
+}
+
+int DOMBuilder::WriteXMLAttr(const char* name, int value) { return WriteXMLAttr(name, TextOf(value)); }
+
+int DOMBuilder::WriteXMLAttr(const char* name, unsigned short value)
+{
+    return WriteXMLAttr(name, TextOf(value));
+}
+
+int DOMBuilder::WriteXMLAttr(const char* name, short value) { return WriteXMLAttr(name, TextOf(value)); }
+
+int DOMBuilder::WriteXMLAttr(const char* name, unsigned char value)
+{
+    return WriteXMLAttr(name, TextOf(value));
+}
+
+int DOMBuilder::WriteXMLAttr(const char* name, char value) { return WriteXMLAttr(name, TextOf(value)); }
+
+void DOMBuilder::AddMessage(const Nuv::UniString& text)
+{
+    messages.push_back({text, static_cast<int>(messageLine)});
+}
+
+int DOMBuilder::GetNumberOfMessage() { return static_cast<int>(messages.size()); }
+
+void DOMBuilder::GetMessage(int index, Nuv::UniString& text, int& line)
+{
+    if (index < 0 || index >= GetNumberOfMessage())
+        return;
+    const Message& message = messages[static_cast<size_t>(index)];
+    text = message.text;
+    line = message.line;
+}
+
+DOMBuilder::ErrorStatus DOMBuilder::GetErrorStatus() { return NoError; }
+
+void DOMBuilder::ClearErrorStatus() {}
+
+void DOMBuilder::SetAutoTabsHint(bool on) { autoTabs = on; }
+
+void DOMBuilder::SetReplaceCR(bool on) { replaceCR = on; }
+
+bool DOMBuilder::GetReplaceCR() { return replaceCR; }
+
+Nuv::UniString DOMBuilder::Export()
+{
+    Nuv::UniString text;
+    ExportInternal([&](const char* bytes, size_t length)
+                   { text = Nuv::UniString::FromUTF8(std::string_view(bytes, length)); });
+    return text;
+}
+
+void DOMBuilder::Export(Nuv::OChannel& channel)
+{
+    ExportInternal([&](const char* bytes, size_t length) { channel.Write(bytes, length); });
+}
+
+xercesc_3_0::DOMDocument* DOMBuilder::GetDOMDocument() { return document; }
+
+xercesc_3_0::DOMElement* DOMBuilder::GetActualNode() { return actualNode; }
+
+void DOMBuilder::WriteNewLineAndTabs(unsigned int tabs)
+{
+    if (!autoTabs)
+        return;
+    // A depth below zero counts as zero.
+    const size_t count = tabs > static_cast<unsigned int>(std::numeric_limits<int>::max()) ? 0 : tabs;
+    XMLCh shortText[64];
+    std::u16string longText;
+    XMLCh* text = shortText;
+    if (count + 2 > std::size(shortText))
+    {
+        longText.resize(count + 1);
+        text = longText.data();
+    }
+    text[0] = u'\n';
+    std::fill_n(text + 1, count, u'\t');
+    text[count + 1] = u'\0';
+    ActualNode()->appendChild(document->createTextNode(text));
+}
+
+xercesc_3_0::DOMNode* DOMBuilder::ActualNode() const { return actualNode; }
+
+bool DOMBuilder::HasOpenElement() const
+{
+    return actualNode && ActualNode()->getNodeType() == xercesc_3_0::DOMNode::ELEMENT_NODE;
+}
+
+/// The node begins a new line.
+void DOMBuilder::AppendToOpenElement(xercesc_3_0::DOMNode* node)
+{
+    elementIsEmpty = false;
+    WriteNewLineAndTabs(static_cast<unsigned int>(depth));
+    ActualNode()->appendChild(node);
+}
+
+template <class Sink>
+void DOMBuilder::ExportInternal(Sink sink)
+{
+    auto* memoryManager = xercesc_3_0::XMLPlatformUtils::fgMemoryManager;
+    if (holdsUnwritableCDATA) // of which the serializer would make text that does not parse, or never return
+        throw DOMLSException(DOMLSException::SERIALIZE_ERR, 0, memoryManager);
+    auto* implementation = xercesc_3_0::DOMImplementation::getImplementation();
+    const XercesPtr<xercesc_3_0::DOMLSOutput> output(implementation->createLSOutput(memoryManager));
+    xercesc_3_0::MemBufFormatTarget target(1023, memoryManager);
+    output->setEncoding(EncodingName);
+    output->setByteStream(&target);
+    const XercesPtr<xercesc_3_0::DOMLSSerializer> serializer(
+        implementation->createLSSerializer(memoryManager));
+    if (document && !serializer->write(document, output.get()))
+        throw DOMLSException(DOMLSException::SERIALIZE_ERR, 0, memoryManager);
+    sink(reinterpret_cast<const char*>(target.getRawBuffer()), static_cast<size_t>(target.getLen()));
+}
+
+/// Serialises before it touches the file, so that a document that cannot be exported costs no data.
+void DOMBuilder::WriteFile()
+{
+    ExportInternal(
+        [this](const char* bytes, size_t length)
+        {
+            const int deleted = IO::FileSystem::Delete(location, IO::DeleteForGood, IO::ReportAccessDenied);
+            if (deleted != IO::NoError && deleted != IO::NotFound)
+                return;
+            IO::File file(location, IO::CreateWhenNotFound);
+            if (file.Open(IO::WriteMode, IO::ReportAccessDenied) != IO::NoError)
+                return;
+            file.Write(bytes, length);
+            file.Close();
+        });
+}
+
+} // namespace NuvXML
