@@ -1,6 +1,3 @@
-/// @file
-/// A document that makes no nodes when it is told so, as Xerces does where memory is short and its allocator
-/// throws nothing.
 #pragma once
 
 #include "NuvXMLUtils/Xerces.hpp"
@@ -9,6 +6,10 @@
 #include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/dom/impl/DOMDocumentImpl.hpp>
 
+namespace NuvTest
+{
+
+/// A document that makes no nodes when it is told so, as the DOM's interface lets it.
 class BarrenDocument : public xercesc_3_0::DOMDocumentImpl
 {
   public:
@@ -43,3 +44,5 @@ class BarrenDocument : public xercesc_3_0::DOMDocumentImpl
     bool makesText = true;
     xercesc_3_0::DOMElement* const root;
 };
+
+} // namespace NuvTest

@@ -1,5 +1,4 @@
-#include "DOMHelperTrees.hpp"
-
+#include "tests/NuvXMLUtils/DOMHelperTrees.hpp"
 #include "tests/support/LocalCodePageScope.hpp"
 
 #include "NuvRoot/Exceptions.hpp"
@@ -9,6 +8,7 @@
 namespace
 {
 
+using namespace NuvTest;
 using namespace NuvXMLUtils;
 using xercesc_3_0::DOMNode;
 

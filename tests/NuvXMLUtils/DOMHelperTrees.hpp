@@ -14,6 +14,9 @@
 #include <string>
 #include <string_view>
 
+namespace NuvTest
+{
+
 /// A document parsed with lines; `root` is its document element.
 class Tree
 {
@@ -146,3 +149,5 @@ inline Nuv::UniString Taken(unsigned short* text)
         units += *text;
     return Nuv::UniString(units);
 }
+
+} // namespace NuvTest

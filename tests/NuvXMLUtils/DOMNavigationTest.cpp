@@ -1,4 +1,4 @@
-#include "DOMHelperTrees.hpp"
+#include "tests/NuvXMLUtils/DOMHelperTrees.hpp"
 
 #include <xercesc/dom/DOMComment.hpp>
 #include <xercesc/dom/DOMDocumentFragment.hpp>
@@ -10,6 +10,7 @@
 namespace
 {
 
+using namespace NuvTest;
 using namespace NuvXMLUtils;
 using xercesc_3_0::DOMDocument;
 using xercesc_3_0::DOMElement;

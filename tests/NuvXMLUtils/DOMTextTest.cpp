@@ -1,5 +1,4 @@
-#include "DOMHelperTrees.hpp"
-
+#include "tests/NuvXMLUtils/DOMHelperTrees.hpp"
 #include "tests/support/LocalCodePageScope.hpp"
 
 #include <algorithm>
@@ -10,6 +9,7 @@
 namespace
 {
 
+using namespace NuvTest;
 using namespace NuvXMLUtils;
 
 /// Zero-terminated text in units of the callers' type.

@@ -1,5 +1,4 @@
-#include "DOMHelperTrees.hpp"
-
+#include "tests/NuvXMLUtils/DOMHelperTrees.hpp"
 #include "tests/support/LocalCodePageScope.hpp"
 
 #include <xercesc/dom/DOMText.hpp>
@@ -9,6 +8,7 @@
 namespace
 {
 
+using namespace NuvTest;
 using namespace NuvXMLUtils;
 
 /// Adds text that a file need not be allowed to hold.

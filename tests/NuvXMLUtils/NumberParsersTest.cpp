@@ -1,4 +1,4 @@
-#include "DOMHelperTrees.hpp"
+#include "tests/NuvXMLUtils/DOMHelperTrees.hpp"
 
 #include <cmath>
 #include <limits>
@@ -7,6 +7,7 @@
 namespace
 {
 
+using namespace NuvTest;
 using namespace NuvXMLUtils;
 
 /// The value as text, or the message of the failure after an exclamation mark.

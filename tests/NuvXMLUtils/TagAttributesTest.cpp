@@ -1,5 +1,4 @@
-#include "DOMHelperTrees.hpp"
-
+#include "tests/NuvXMLUtils/DOMHelperTrees.hpp"
 #include "tests/support/LocalCodePageScope.hpp"
 
 #include <limits>
@@ -8,6 +7,7 @@
 namespace
 {
 
+using namespace NuvTest;
 using namespace NuvXMLUtils;
 
 std::string AttributeText(const Tree& tree, const char16_t* name)

@@ -1,6 +1,5 @@
-#include "BarrenDocument.hpp"
-#include "DOMHelperTrees.hpp"
-
+#include "tests/NuvXMLUtils/BarrenDocument.hpp"
+#include "tests/NuvXMLUtils/DOMHelperTrees.hpp"
 #include "tests/support/LocalCodePageScope.hpp"
 
 #include <limits>
@@ -9,6 +8,7 @@
 namespace
 {
 
+using namespace NuvTest;
 using namespace NuvXMLUtils;
 using xercesc_3_0::DOMElement;
 

@@ -1,5 +1,4 @@
-#include "DOMHelperTrees.hpp"
-
+#include "tests/NuvXMLUtils/DOMHelperTrees.hpp"
 #include "tests/support/LocalCodePageScope.hpp"
 
 #include <xercesc/dom/DOMCDATASection.hpp>
@@ -14,6 +13,7 @@
 namespace
 {
 
+using namespace NuvTest;
 using namespace NuvXMLUtils;
 using Warnings = Nuv::VAArray<WarningData>;
 
