@@ -174,8 +174,8 @@ std::u16string DecodeWith(UConverter* converter, std::string_view text)
     }
 }
 
-/// Nothing when a character would not come back.
-std::optional<std::string> EncodeExactly(UConverter* converter, std::u16string_view text)
+/// Nothing when the code page lacks a character.
+std::optional<std::string> BytesOf(UConverter* converter, std::u16string_view text)
 {
     UErrorCode status = U_ZERO_ERROR;
     ucnv_setFromUCallBack(converter, EncodeFaultAsError, nullptr, nullptr, nullptr, &status);
@@ -187,8 +187,15 @@ std::optional<std::string> EncodeExactly(UConverter* converter, std::u16string_v
     if (U_FAILURE(status))
         return std::nullopt;
     bytes.resize(static_cast<size_t>(length));
-    // Some tables map private characters one way only, whatever ucnv_setFallback says.
-    if (DecodeWith(converter, bytes) != text)
+    return bytes;
+}
+
+/// Nothing when a character would not come back: some tables map private characters one way only, whatever
+/// ucnv_setFallback says.
+std::optional<std::string> ExactBytesOf(UConverter* converter, std::u16string_view text)
+{
+    std::optional<std::string> bytes = BytesOf(converter, text);
+    if (bytes && DecodeWith(converter, *bytes) != text)
         return std::nullopt;
     return bytes;
 }
@@ -201,16 +208,16 @@ std::u16string WithQuestionMarks(UConverter* converter, std::u16string_view text
     {
         U16_FWD_1(text, end, text.size());
         const std::u16string_view character = text.substr(start, end - start);
-        result += EncodeExactly(converter, character) ? character : u"?";
+        result += ExactBytesOf(converter, character) ? character : u"?";
     }
     return result;
 }
 
 bool EncodeWith(UConverter* converter, std::u16string_view text, CodePages::OnLoss onLoss, std::string& out)
 {
-    std::optional<std::string> bytes = EncodeExactly(converter, text);
+    std::optional<std::string> bytes = ExactBytesOf(converter, text);
     if (!bytes && onLoss == CodePages::OnLoss::Replace)
-        bytes = EncodeExactly(converter, WithQuestionMarks(converter, text));
+        bytes = BytesOf(converter, WithQuestionMarks(converter, text));
     if (bytes)
         out += *bytes;
     return bytes.has_value();

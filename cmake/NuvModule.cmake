@@ -14,7 +14,9 @@ function(nuv_add_module name)
     SOVERSION ${PROJECT_VERSION_MAJOR}
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON)
-  target_link_options(${name} PRIVATE $<$<NOT:$<BOOL:${NUV_SANITIZE}>>:-Wl,--no-undefined>)
+  if(NOT NUV_SANITIZE) # whose run-time library is linked to programs only
+    target_link_options(${name} PRIVATE -Wl,--no-undefined)
+  endif()
   install(TARGETS ${name}
     EXPORT NuvXMLUtilsTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}

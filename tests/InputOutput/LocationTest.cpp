@@ -111,7 +111,7 @@ TEST(Location, GivesTheURLOfTheAbsolutePath)
     const NuvTest::ScratchFolder scratch;
     const CurrentFolderScope scope(scratch.Path());
     const UniString folder = UniString::FromUTF8(std::filesystem::current_path().string());
-    EXPECT_EQ(URLOf(u"a b"), UniString(u"file://") + folder + u"/a%20b");
+    EXPECT_EQ(URLOf(u"a b"), Location(folder).ToURL() + u"/a%20b");
     EXPECT_EQ(Location(URLOf(u"a b")).ToPath(), folder + u"/a b");
     EXPECT_EQ(PathOf(u"a b"), u"a b") << "the path stays relative";
 }

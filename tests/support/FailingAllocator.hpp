@@ -1,0 +1,87 @@
+/// @file
+/// Makes chosen allocations of the program fail. A test program that links FailingAllocator.cpp has its global
+/// operator new replaced, for all libraries that it uses; like the standard one it calls the new-handler, so that
+/// a failing `new` throws what it throws in the application.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace NuvTest::FailingAllocator
+{
+
+/// Which allocations fail from the chosen one on.
+enum class Mode
+{
+    Once,     ///< that one only
+    FromThere ///< that one and all that follow
+};
+
+/// Makes the allocation number `nth` from now on fail; the next one is number 1.
+void FailAt(long nth, Mode mode);
+
+/// From now on all allocations succeed. Gives whether one had failed since FailAt.
+bool Disarm();
+
+/// How many blocks are allocated.
+long GetNumberOfBlocks();
+
+/// Lets allocations succeed while it lives, so that a test can look at results in between.
+class Pause
+{
+  public:
+    Pause();
+    Pause(const Pause&) = delete;
+    Pause& operator=(const Pause&) = delete;
+    ~Pause();
+
+  private:
+    bool wasArmed;
+};
+
+/// Runs `operation` again and again, with its first allocation failing, then its second and so on, until it runs
+/// through. The operation catches what it expects to be thrown.
+/// @return how many blocks each of these runs left behind
+template <class Operation>
+std::vector<long> LeaksOf(Operation operation, Mode mode)
+{
+    operation(); // what is allocated once a process is no leak
+    std::vector<long> leaks;
+    for (bool hasFailed = true; hasFailed;)
+    {
+        const long before = GetNumberOfBlocks();
+        FailAt(static_cast<long>(leaks.size()) + 1, mode);
+        operation();
+        hasFailed = Disarm();
+        const long after = GetNumberOfBlocks();
+        leaks.push_back(after - before);
+    }
+    return leaks;
+}
+
+/// Expects that the operation survives each failing allocation and leaves nothing behind.
+template <class Operation>
+void Sweep(Operation operation)
+{
+    for (const Mode mode : {Mode::Once, Mode::FromThere})
+        EXPECT_THAT(LeaksOf(operation, mode), testing::Each(0));
+}
+
+/// The same where a library below is known to leave blocks behind when an allocation fails in it: expects that the
+/// operation leaves exactly those that the bare calls of that library leave.
+template <class Operation, class BareCalls>
+void SweepBeside(BareCalls bareCalls, Operation operation)
+{
+    for (const Mode mode : {Mode::Once, Mode::FromThere})
+    {
+        std::vector<long> expected = LeaksOf(bareCalls, mode);
+        std::vector<long> actual = LeaksOf(operation, mode);
+        std::erase(expected, 0);
+        std::erase(actual, 0);
+        EXPECT_EQ(actual, expected);
+    }
+}
+
+} // namespace NuvTest::FailingAllocator
