@@ -51,14 +51,6 @@ bool IsWhiteSpace(Unit unit)
 }
 
 template <class Unit>
-Unit* EndOf(Unit* s)
-{
-    while (*s)
-        ++s;
-    return s;
-}
-
-template <class Unit>
 void Cut(Unit*& s, bool (*isBlank)(Unit))
 {
     while (isBlank(*s))

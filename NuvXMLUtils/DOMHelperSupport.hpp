@@ -26,13 +26,20 @@ inline Nuv::UniString FromUnits(const unsigned short* units, size_t length)
     return Nuv::UniString(std::u16string(units, units + length));
 }
 
+/// Where the terminator of a text stands.
+template <class Unit>
+Unit* EndOf(Unit* text)
+{
+    while (*text)
+        ++text;
+    return text;
+}
+
 /// A copy of zero-terminated text in units of another, or the same, type.
 template <class Unit, class SourceUnit>
 std::unique_ptr<Unit[]> NewCopy(const SourceUnit* text)
 {
-    const SourceUnit* end = text;
-    while (*end)
-        ++end;
+    const SourceUnit* const end = EndOf(text);
     std::unique_ptr<Unit[]> copy(new Unit[static_cast<size_t>(end - text) + 1]);
     *std::copy(text, end, copy.get()) = 0;
     return copy;

@@ -47,10 +47,7 @@ DOMElement* AppendLine(DOMElement* parent, DOMElement* element, int tabs)
 
 Nuv::UniString UnitsOf(const unsigned short* text)
 {
-    const unsigned short* end = text;
-    while (*end)
-        ++end;
-    return FromUnits(text, static_cast<size_t>(end - text));
+    return FromUnits(text, static_cast<size_t>(EndOf(text) - text));
 }
 
 Nuv::UniString UnitsOf(const char16_t* text) { return text; }
