@@ -226,7 +226,7 @@ DOMElement* GetNextTag(DOMNode*& cursor)
             return element;
         }
         if (!IsText(cursor) && cursor->getNodeType() != DOMNode::COMMENT_NODE)
-            throw ConvException("Unexpected XML node", nullptr).StoreErrLoc(cursor);
+            throw ConvException(u"Unexpected XML node", cursor);
     }
     return nullptr;
 }

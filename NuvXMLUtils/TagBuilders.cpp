@@ -16,7 +16,6 @@ namespace NuvXMLUtils
 namespace
 {
 
-using xercesc_3_0::DOMDocument;
 using xercesc_3_0::DOMElement;
 using xercesc_3_0::DOMNode;
 
@@ -52,7 +51,7 @@ Nuv::UniString UnitsOf(const unsigned short* text)
 
 Nuv::UniString UnitsOf(const char16_t* text) { return text; }
 
-Nuv::UniString UpToZero(Nuv::UniString text) { return text.ToUTF16(); }
+Nuv::UniString UpToZero(const Nuv::UniString& text) { return text.ToUTF16(); }
 
 Nuv::UniString FirstUnits(const unsigned short* text, size_t length)
 {

@@ -15,7 +15,7 @@ class BarrenDocument : public xercesc_3_0::DOMDocumentImpl
   public:
     BarrenDocument()
         : DOMDocumentImpl(xercesc_3_0::DOMImplementation::getImplementation())
-        , root(createElement(u"r"))
+        , root(DOMDocumentImpl::createElement(u"r"))
     {
         appendChild(root);
     }

@@ -146,7 +146,7 @@ inline Nuv::UniString Taken(unsigned short* text)
     const std::unique_ptr<unsigned short[]> owner(text);
     std::u16string units;
     for (; *text; ++text)
-        units += *text;
+        units += static_cast<char16_t>(*text);
     return Nuv::UniString(units);
 }
 

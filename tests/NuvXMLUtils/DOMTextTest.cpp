@@ -24,7 +24,7 @@ Nuv::UniString TextOf(const unsigned short* units)
 {
     std::u16string text;
     for (; *units; ++units)
-        text += *units;
+        text += static_cast<char16_t>(*units);
     return Nuv::UniString(text);
 }
 
