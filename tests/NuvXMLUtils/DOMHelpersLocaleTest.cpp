@@ -1,0 +1,71 @@
+#include "tests/NuvXMLUtils/DOMHelperTrees.hpp"
+#include "tests/support/CommaLocale.hpp"
+
+#include <cstdio>
+
+namespace
+{
+
+using namespace NuvTest;
+using namespace NuvXMLUtils;
+
+/// What a function that follows the C locale makes of the number.
+std::string PrintedByTheCLibrary(double number)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%g", number);
+    return text;
+}
+
+/// Runs with a decimal comma, and with a point between digits taken for a separator of thousands.
+class DOMHelpersInACommaLocale : public testing::Test
+{
+  protected:
+    void SetUp() override { ASSERT_EQ(PrintedByTheCLibrary(1.5), "1,5"); }
+
+    const CommaLocale locale;
+    const Tree tree;
+};
+
+TEST_F(DOMHelpersInACommaLocale, WriteNumbersWithAPoint)
+{
+    NewDoubleTag(tree.root, "d", 1234567.25, 0);
+    NewDoubleTag(tree.root, "e", 1.5e-7, 0);
+    NewSLongTag(tree.root, "s", -1234567, 0);
+    NewULongTag(tree.root, "u", 1234567, 0);
+    WriteLongElement(tree.root, u"l", -1234567, 0);
+    EXPECT_EQ(Shown(tree.root), "{}d({1234567.25}){\\n}{}e({1.5e-007}){\\n}{}s({-1234567}){\\n}"
+                                "{}u({1234567}){\\n}{}l({-1234567}){\\r\\n}");
+}
+
+TEST_F(DOMHelpersInACommaLocale, ReadNumbersWithAPoint)
+{
+    EXPECT_EQ(GetDouble("1.5"), 1.5);
+    EXPECT_EQ(ConvMessageOf([] { GetDouble("1,5"); }), "Too many data");
+    EXPECT_EQ(GetDoubleTag(NewDoubleTag(tree.root, "d", 1234567.25, 0)), 1234567.25);
+    const Tree comma("<d>1,5</d>");
+    EXPECT_EQ(ConvMessageOf([&] { GetDoubleTag(comma.root); }), "Tag 'd'; Too many data");
+}
+
+TEST_F(DOMHelpersInACommaLocale, ReadIntegersWithoutGrouping)
+{
+    const Tree grouped("<l>1.234</l>");
+    int number = 0;
+    EXPECT_TRUE(ReadLongNode(grouped.root, u"l", number));
+    EXPECT_EQ(number, 1);
+    EXPECT_EQ(ConvMessageOf([&] { GetSLongTag(grouped.root); }), "Tag 'l'; Too many data");
+}
+
+/// The byte is a no-break space in the code set of the locale.
+TEST_F(DOMHelpersInACommaLocale, KnowNoFurtherWhiteSpace)
+{
+    EXPECT_EQ(ConvMessageOf(
+                  []
+                  {
+                      GetDouble("\xA0"
+                                "1.5");
+                  }),
+              "Floating point number error");
+}
+
+} // namespace
