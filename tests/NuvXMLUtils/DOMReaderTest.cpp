@@ -704,6 +704,30 @@ TEST(DOMReader, StaysWhereItIsWhenANamedTokenIsNotFound)
               (Array<UniString>{EndOfXML, u"Token with specified name was not found: a"}));
 }
 
+/// Its last sibling is followed by the first one.
+class CirclingReader : public TextReader
+{
+  public:
+    using TextReader::TextReader;
+
+  private:
+    xercesc_3_0::DOMElement* GetNextElementSibling() override
+    {
+        DOMNode* next = GetActualNode()->getNextSibling();
+        DOMNode* first = GetActualNode()->getParentNode()->getFirstChild();
+        return static_cast<xercesc_3_0::DOMElement*>(next ? next : first);
+    }
+};
+
+TEST(DOMReader, EndsTheSearchForANamedTokenWhereItBegan)
+{
+    CirclingReader reader("<r><a/><b/></r>");
+    reader.ReadStartElement("a");
+    EXPECT_EQ(reader.ReadNamed(u"x", XMLStartElement), NotFound);
+    EXPECT_EQ(PlaceOf(reader), "<a");
+    EXPECT_EQ(MessagesOf(reader), Array<UniString>{u"Token with specified name was not found: x"});
+}
+
 // What the reader tells and stores.
 
 TEST(DOMReader, TellsTheLocationOfItsDocument)

@@ -5,6 +5,7 @@
 #include "tests/support/ScratchFolder.hpp"
 #include "tests/support/WithoutPrivileges.hpp"
 #include "tests/support/XercesDownScope.hpp"
+#include "tests/support/XercesLeakScope.hpp"
 
 #include <gtest/gtest.h>
 
@@ -296,8 +297,11 @@ TEST_F(ValidatingXMLParserTest, ReportsAFolder)
 
 TEST_F(ValidatingXMLParserTest, ReportsAFileThatCannotBeRead)
 {
+    const NuvTest::XercesLeakScope leaks;
     EXPECT_FALSE(ParseFile(IO::Location(u"/proc/self/mem")));
-    EXPECT_EQ(report.message, UniString(u"unable to read data from file"));
+    ExpectReport(0, u"unable to read data from file");
+    ExpectNoHandlers();
+    ExpectToParse("<r/>");
 }
 
 TEST_F(ValidatingXMLParserTest, ReportsAnEmptyDocument)
@@ -390,7 +394,6 @@ TEST_F(ValidatingXMLParserTest, CanBeUsedAgainAfterEveryKindOfFailure)
         [&] { return Parse("<!DOCTYPE r [<!ENTITY e '<a>&e;</a>'>]><r>&e;</r>") != nullptr; },
         [&] { return Parse("<?xml version='1.0' encoding='no-such-code'?><r/>") != nullptr; },
         [&] { return ParseFile(missing) != nullptr; },
-        [&] { return ParseFile(IO::Location(u"/proc/self/mem")) != nullptr; },
         [&] { return LoadSchema(missing); },
         [&] { return LoadSchema("<"); },
         [&] { return LoadSchema("<r/>"); },
@@ -561,6 +564,7 @@ TEST_F(ValidatingXMLParserTest, IgnoresPublicIds)
 
 TEST_F(ValidatingXMLParserTest, ReadsTheExternalDTD)
 {
+    const NuvTest::XercesLeakScope leaks;
     scratch.Write("r.dtd", "<!ELEMENT r (#PCDATA)>\n<!ENTITY e 'text'>");
     const NuvTest::CurrentFolderScope current(scratch.Path());
     EXPECT_EQ(RootTextOf(Parse("<!DOCTYPE r SYSTEM 'r.dtd'><r>&e;</r>")), UniString(u"text"));
@@ -732,8 +736,6 @@ TEST_F(ValidatingXMLParserTest, ReportsASchemaThatIsNone)
 {
     EXPECT_FALSE(LoadSchema("\n<r/>"));
     ExpectReport(2, u"root element name of XML Schema document must be 'schema'");
-    EXPECT_FALSE(LoadSchema(IO::Location(u"/proc/self/mem")));
-    ExpectReport(0, u"unable to read data from file");
 }
 
 TEST_F(ValidatingXMLParserTest, ChangesNothingWhenASchemaFailsToLoad)
