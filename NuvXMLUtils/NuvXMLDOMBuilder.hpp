@@ -45,7 +45,7 @@ class NUVXMLUTILS_API DOMBuilderException : public Nuv::RunTimeErrorException
 class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
 {
   public:
-    enum OwnershipType
+    enum OwnershipType : int
     {
         LeaveDocumentToCaller = 0,
         TakeDocumentOver = 1 ///< the builder writes it to its URI and releases it when it is destroyed
