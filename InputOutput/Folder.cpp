@@ -1,30 +1,12 @@
 #include "InputOutput/Folder.hpp"
 
 #include "InputOutput/SystemErrors.hpp"
-
-#include <iterator>
-#include <random>
+#include "NuvRoot/Guid.hpp"
 
 #include <sys/stat.h>
 
 namespace IO
 {
-namespace
-{
-
-/// Lower-case letters and digits, so that names differ on file systems without regard to case too.
-Nuv::UniString RandomSuffix(std::random_device& source)
-{
-    static constexpr Nuv::UniChar Characters[] = u"0123456789abcdefghijklmnopqrstuvwxyz";
-    std::uniform_int_distribution<size_t> anyCharacter(0, std::size(Characters) - 2);
-    Nuv::UniString suffix;
-    for (int i = 0; i < 12; ++i)
-        suffix += Characters[anyCharacter(source)];
-    return suffix;
-}
-
-} // namespace
-
 Folder::Folder(const Location& folder)
     : location(folder)
 {
@@ -37,10 +19,9 @@ int Folder::GenerateUnusedName(const Nuv::UniString& prefix, Name& name) const
         return CodeOfLastError();
     if (!S_ISDIR(properties.st_mode))
         return NotFound;
-    std::random_device source;
     for (;;)
     {
-        const Name candidate(prefix + RandomSuffix(source));
+        const Name candidate(prefix + Nuv::Guid::Generate().ToUniString());
         Location file = location;
         file.AppendToLocal(candidate);
         // A link that leads nowhere has its name all the same.

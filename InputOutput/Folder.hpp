@@ -13,7 +13,7 @@ class INPUTOUTPUT_API Folder
   public:
     explicit Folder(const Location& folder);
 
-    /// Makes a name of `prefix` and 12 random letters and digits, which nothing in the folder has, and which
+    /// Makes a name of `prefix` and the text of a new GUID, which nothing in the folder has, and which
     /// is too rare to be there with an extension. Nothing is created. On failure `name` stays as it was:
     /// NotFound when there is no such folder, OtherError when `prefix` is too long for a name.
     int GenerateUnusedName(const Nuv::UniString& prefix, Name& name) const;

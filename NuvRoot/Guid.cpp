@@ -1,10 +1,10 @@
 #include "NuvRoot/Guid.hpp"
 
+#include "NuvRoot/Exceptions.hpp"
 #include "NuvRoot/Hexadecimal.hpp"
 #include "NuvRoot/ResultCodes.hpp"
 
-#include <algorithm>
-#include <random>
+#include <unistd.h>
 
 namespace Nuv
 {
@@ -30,10 +30,8 @@ std::u16string_view WithoutBraces(std::u16string_view text)
 Guid Guid::Generate()
 {
     Guid guid;
-    std::random_device source;
-    std::uniform_int_distribution<unsigned int> anyByte(0, 255);
-    std::generate(guid.bytes.begin(), guid.bytes.end(),
-                  [&] { return static_cast<unsigned char>(anyByte(source)); });
+    if (getentropy(guid.bytes.data(), guid.bytes.size()) != 0)
+        throw GeneralException(UniString(u"The system has no random numbers."), "Guid", __LINE__);
     guid.bytes[6] = static_cast<unsigned char>((guid.bytes[6] & 0x0F) | 0x40); // version 4
     guid.bytes[8] = static_cast<unsigned char>((guid.bytes[8] & 0x3F) | 0x80); // the variant of RFC 4122
     return guid;

@@ -15,6 +15,7 @@ class NUVROOT_API Guid
     Guid() = default;
 
     /// A new random identifier (version 4).
+    /// @throws GeneralException when the system has no random numbers
     static Guid Generate();
 
     /// Reads `xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx`, hexadecimal digits in either case, with or without

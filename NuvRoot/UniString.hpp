@@ -58,6 +58,8 @@ NUVROOT_API bool EqualIgnoringCase(std::u16string_view left, std::u16string_view
 
 /// @}
 
+class UniString;
+
 /// One argument of UniString::Printf: remembers the type of what it was made from.
 class NUVROOT_API FormatArgument
 {
@@ -77,7 +79,7 @@ class NUVROOT_API FormatArgument
         , wide(text ? std::u16string_view(text) : std::u16string_view())
     {
     }
-    FormatArgument(const class UniString& text);
+    FormatArgument(const UniString& text);
 
     template <class Integer>
     requires std::is_integral_v<Integer> FormatArgument(Integer value)
@@ -233,6 +235,7 @@ NUVROOT_API int CHUnicode2ANSI(const UniChar* units, int length, char* out, int 
 using Nuv::CHANSI2Unicode;
 using Nuv::CHUnicode2ANSI;
 
+/// @cond
 template <>
 struct std::hash<Nuv::UniString>
 {
@@ -241,3 +244,4 @@ struct std::hash<Nuv::UniString>
         return std::hash<std::u16string_view>()(text.View());
     }
 };
+/// @endcond

@@ -1,5 +1,17 @@
 /// @file
 /// Numbers as text, independent of the C locale: the decimal mark is a point.
+///
+/// `bool strtovalue(text, T& value, mode = 0, trim = 0)` reads a number in decimal notation: digits with an optional
+/// sign before them, for `float` and `double` also with a decimal point and an exponent. White space (the Unicode
+/// property) may stand around it. It fails, with `value` as it was, on an empty text, anything after the number, two
+/// signs, a `-` before an unsigned type, a value out of range, hexadecimal notation, digits of other scripts, `inf`
+/// and `nan`. A number too small for `float` or `double` is the nearest representable value. It does not allocate.
+///
+/// `bool valuetostr(T value, UniChar* buffer, size_t bufferLength)` writes the decimal text of `value` and a
+/// terminating zero; `float` and `double` as the shortest text that reads back as the same value. It gives false, with
+/// the buffer untouched, where the text does not fit, and for infinities and NaN, which have no text.
+///
+/// Both exist for every T of NUV_FOR_EACH_NUMBER_TYPE.
 #pragma once
 
 #include "NuvRoot/Export.hpp"
@@ -26,19 +38,8 @@ using TrimWSMode = int;
     APPLY(float) APPLY(double)
 // clang-format on
 
-/// @fn bool strtovalue(std::u16string_view text, T& value, ToValueMode mode = 0, TrimWSMode trim = 0)
-/// Reads a number in decimal notation: digits with an optional sign before them, for `float` and `double`
-/// also with a decimal point and an exponent. White space (the Unicode property) may stand around it.
-///
-/// Fails, with `value` as it was, on an empty text, anything after the number, two signs, a `-` before an
-/// unsigned type, a value out of range, hexadecimal notation, digits of other scripts, `inf` and `nan`.
-/// A number too small for `float` or `double` is the nearest representable value. Does not allocate.
-
-/// @fn bool valuetostr(T value, UniChar* buffer, size_t bufferLength)
-/// Writes the decimal text of `value` and a terminating zero; `float` and `double` as the shortest text that
-/// reads back as the same value. False, with the buffer untouched, where it does not fit into `bufferLength`
-/// units, and for infinities and NaN, which have no text.
-
+// bool strtovalue(std::u16string_view text, T& value, ToValueMode mode = 0, TrimWSMode trim = 0)
+// bool valuetostr(T value, UniChar* buffer, size_t bufferLength)
 #define NUV_DECLARE_VALUE_TEXT(Type)                                                                         \
     NUVROOT_API bool strtovalue(std::u16string_view text, Type& value, ToValueMode mode = 0,                 \
                                 TrimWSMode trim = 0);                                                        \

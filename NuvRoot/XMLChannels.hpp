@@ -16,7 +16,7 @@
 
 #if !defined(__int64) && !defined(_MSC_VER)
 /// The name that older code of the application uses for 64-bit integers; `unsigned __int64` works too.
-#define __int64 long long
+#define __int64 long long // NOLINT(bugprone-reserved-identifier)
 #endif
 
 namespace IO
@@ -167,7 +167,8 @@ class NUVROOT_API XMLOChannel
     int channelPrecision = 15;
 };
 
-/// Gives an object back from what an XMLOChannel took. A failing read leaves the reader where it was.
+/// Gives an object back from what an XMLOChannel took. An element that is not found leaves the reader where it was;
+/// one whose text has the wrong form has been passed over.
 class NUVROOT_API XMLIChannel
 {
   public:

@@ -16,7 +16,7 @@ void NodeLocations::AddNew(const xercesc_3_0::DOMNode* node, unsigned int line)
     if (usedInLast == BlockSize)
     {
         std::unique_ptr<Block>& link = last ? last->next : first;
-        link.reset(new Block);
+        link = std::make_unique<Block>();
         last = link.get();
         usedInLast = 0;
     }

@@ -4,11 +4,9 @@
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <map>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace Benchmarks
@@ -23,11 +21,11 @@ struct Comparison
     double atMost;
 };
 
-/// Shows each benchmark as usual and keeps the processor times of all repetitions.
-class TimeCollector : public benchmark::ConsoleReporter
+/// Shows the benchmarks as usual and keeps the median of each one's processor times.
+class MedianCollector : public benchmark::ConsoleReporter
 {
   public:
-    TimeCollector()
+    MedianCollector()
         : ConsoleReporter(OO_Tabular)
     {
     }
@@ -35,24 +33,20 @@ class TimeCollector : public benchmark::ConsoleReporter
     void ReportRuns(const std::vector<Run>& runs) override
     {
         for (const Run& run : runs)
-            if (run.run_type == Run::RT_Iteration && !run.error_occurred)
-                times[run.run_name.function_name].push_back(run.GetAdjustedCPUTime());
+            if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median")
+                medians[run.run_name.function_name] = run.GetAdjustedCPUTime();
         ConsoleReporter::ReportRuns(runs);
     }
 
-    /// The median, 0 when the benchmark did not run.
-    double TimeOf(const std::string& name)
+    /// 0 when the benchmark did not run, or failed.
+    double MedianOf(const std::string& name) const
     {
-        std::vector<double>& samples = times[name];
-        if (samples.empty())
-            return 0;
-        const auto middle = samples.begin() + static_cast<std::ptrdiff_t>(samples.size() / 2);
-        std::nth_element(samples.begin(), middle, samples.end());
-        return *middle;
+        const auto found = medians.find(name);
+        return found == medians.end() ? 0 : found->second;
     }
 
   private:
-    std::map<std::string, std::vector<double>> times;
+    std::map<std::string, double> medians;
 };
 
 /// The body of `main`: runs all benchmarks in interleaved repetitions, prints the ratios of their medians,
@@ -64,18 +58,19 @@ inline int RunAndCompare(int argc, char** argv, const std::vector<Comparison>& c
     char repetitions[] = "--benchmark_repetitions=7";
     char interleaving[] = "--benchmark_enable_random_interleaving=true";
     char shortRuns[] = "--benchmark_min_time=0.1";
-    arguments.insert(arguments.begin() + 1, {repetitions, interleaving, shortRuns});
+    char aggregates[] = "--benchmark_display_aggregates_only=true";
+    arguments.insert(arguments.begin() + 1, {repetitions, interleaving, shortRuns, aggregates});
     int count = static_cast<int>(arguments.size());
     benchmark::Initialize(&count, arguments.data());
-    TimeCollector collector;
+    MedianCollector collector;
     benchmark::RunSpecifiedBenchmarks(&collector);
 
     bool allWithinLimits = true;
     std::printf("\n%-60s %8s %8s\n", "Ratio of the median processor times", "is", "at most");
     for (const Comparison& comparison : comparisons)
     {
-        const double peer = collector.TimeOf(comparison.peer);
-        const double ours = collector.TimeOf(comparison.ours);
+        const double peer = collector.MedianOf(comparison.peer);
+        const double ours = collector.MedianOf(comparison.ours);
         if (peer == 0 || ours == 0)
         {
             std::printf("%-60s was not measured\n", comparison.what);

@@ -13,7 +13,8 @@ function(nuv_add_module name)
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR}
     CXX_VISIBILITY_PRESET hidden
-    VISIBILITY_INLINES_HIDDEN ON)
+    VISIBILITY_INLINES_HIDDEN ON
+    INSTALL_RPATH "$ORIGIN")
   if(NOT NUV_SANITIZE) # whose run-time library is linked to programs only
     target_link_options(${name} PRIVATE -Wl,--no-undefined)
   endif()
