@@ -177,6 +177,7 @@ class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
     virtual bool GetReplaceCR();
 
     // Result. The document may be exported at any time, as often as wanted, with elements still open.
+    // Xerces' serializer calls itself for each level: more than 50,000 levels need a stack of more than 8 MB.
 
     /// The document as text.
     /// @throws xercesc_3_0::DOMLSException when the document holds text that XML cannot hold
