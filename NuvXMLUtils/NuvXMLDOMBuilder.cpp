@@ -287,11 +287,15 @@ int DOMBuilder::WriteXML(const char* name, const Nuv::UniString& value)
     if (!actualNode)
         return Nuv::Failure;
     xercesc_3_0::DOMElement* element = CreateElement(name);
-    const std::u16string_view text = value.ToUTF16();
-    if (replaceCR && text.find(u'\r') != text.npos)
-        Append(element, CreateText(WithLineFeeds(text).c_str()));
-    else if (!text.empty())
-        Append(element, CreateText(text.data()));
+    const XMLCh* text = value.ToUTF16();
+    std::u16string normalised;
+    if (replaceCR && value.View().find(u'\r') != std::u16string_view::npos)
+    {
+        normalised = WithLineFeeds(text);
+        text = normalised.c_str();
+    }
+    if (*text)
+        Append(element, CreateText(text));
     AppendToOpenElement(element);
     return Nuv::Success;
 }

@@ -45,7 +45,7 @@ class NUVXMLUTILS_API DOMBuilderException : public Nuv::RunTimeErrorException
 class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
 {
   public:
-    enum OwnershipType
+    enum OwnershipType : int
     {
         LeaveDocumentToCaller = 0,
         TakeDocumentOver = 1 ///< the builder writes it to its URI and releases it when it is destroyed
@@ -177,6 +177,7 @@ class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
     virtual bool GetReplaceCR();
 
     // Result. The document may be exported at any time, as often as wanted, with elements still open.
+    // Xerces' serializer calls itself for each level: more than 50,000 levels need a stack of more than 8 MB.
 
     /// The document as text.
     /// @throws xercesc_3_0::DOMLSException when the document holds text that XML cannot hold

@@ -4,6 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include <xercesc/dom/DOMImplementation.hpp>
+#include <xercesc/dom/DOMLSOutput.hpp>
+#include <xercesc/dom/DOMLSSerializer.hpp>
+#include <xercesc/framework/MemBufFormatTarget.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+
 #include <string>
 #include <vector>
 
@@ -13,6 +20,7 @@ namespace
 using namespace NuvTest;
 using Nuv::UniString;
 using NuvXML::DOMBuilder;
+using NuvXML::XercesPtr;
 using Operation = void (*)(DOMBuilder&);
 
 /// Long enough for a block of its own in a DOM document, which allocates short texts in advance.
@@ -108,6 +116,63 @@ TEST(DOMBuilderAllocation, FailsInTheConstructorsAsTheApplicationsException)
     const IO::Location nowhere(UniString(u"/nowhere/a.xml"));
     EXPECT_GT(RepeatUntilDone([] { DOMBuilder builder; }), 5);
     EXPECT_GT(RepeatUntilDone([&] { DOMBuilder builder(nowhere); }), 2);
+}
+
+/// The calls of Xerces that make a document and, when `serialised`, its text.
+void CallXercesAlone(bool serialised)
+{
+    auto* memoryManager = xercesc_3_0::XMLPlatformUtils::fgMemoryManager;
+    auto* implementation = xercesc_3_0::DOMImplementation::getImplementation();
+    try
+    {
+        const XercesPtr<xercesc_3_0::DOMDocument> document(
+            implementation->createDocument(nullptr, nullptr, nullptr, memoryManager));
+        if (!serialised)
+            return;
+        const XercesPtr<xercesc_3_0::DOMLSOutput> output(implementation->createLSOutput(memoryManager));
+        xercesc_3_0::MemBufFormatTarget target(1023, memoryManager);
+        output->setEncoding(u"UTF-8");
+        output->setByteStream(&target);
+        const XercesPtr<xercesc_3_0::DOMLSSerializer> serializer(
+            implementation->createLSSerializer(memoryManager));
+        serializer->write(document.get(), output.get());
+    }
+    catch (const xercesc_3_0::OutOfMemoryException&)
+    {
+    }
+}
+
+TEST(DOMBuilderAllocation, LeavesNothingBehindButWhatXercesLeaves)
+{
+    FailingAllocator::SweepBeside([] { CallXercesAlone(false); },
+                                  []
+                                  {
+                                      try
+                                      {
+                                          DOMBuilder builder;
+                                          for (const Operation operation : operations)
+                                              operation(builder);
+                                      }
+                                      catch (const Nuv::OutOfMemoryException&)
+                                      {
+                                      }
+                                  });
+}
+
+TEST(DOMBuilderAllocation, LeavesNothingBehindInExportButWhatXercesLeaves)
+{
+    FailingAllocator::SweepBeside([] { CallXercesAlone(true); },
+                                  []
+                                  {
+                                      try
+                                      {
+                                          DOMBuilder builder;
+                                          builder.Export();
+                                      }
+                                      catch (const Nuv::OutOfMemoryException&)
+                                      {
+                                      }
+                                  });
 }
 
 TEST(DOMBuilderAllocation, OfAClonedExceptionFailsAsTheApplicationsException)

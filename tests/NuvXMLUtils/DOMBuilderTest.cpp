@@ -10,7 +10,7 @@
 #include <xercesc/dom/DOMException.hpp>
 #include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/dom/DOMLSException.hpp>
-#include <xercesc/dom/DOMNodeList.hpp>
+#include <xercesc/dom/DOMUserDataHandler.hpp>
 
 #include <filesystem>
 #include <memory>
@@ -185,14 +185,61 @@ TEST(DOMBuilder, WritesADocumentThatItTakesOverToItsURI)
     EXPECT_EQ(folder.Read("a b%41é.xml"), RootAsBytes(1));
 }
 
+/// Counts the documents that it is attached to and that are released.
+class ReleaseCounter : public xercesc_3_0::DOMUserDataHandler
+{
+  public:
+    void AttachTo(DOMDocument& document) { document.setUserData(u"counter", this, this); }
+
+    void handle(DOMOperationType operation, const XMLCh*, void*, const DOMNode*, DOMNode*) override
+    {
+        if (operation == NODE_DELETED)
+            ++released;
+    }
+
+    int released = 0;
+};
+
+TEST(DOMBuilder, ReleasesItsOwnDocument)
+{
+    const NuvTest::ScratchFolder folder;
+    ReleaseCounter counter;
+    {
+        DOMBuilder builder;
+        counter.AttachTo(*builder.GetDOMDocument());
+        DOMBuilder withFile{IO::Location(folder.PathOf("a.xml"))};
+        counter.AttachTo(*withFile.GetDOMDocument());
+    }
+    EXPECT_EQ(counter.released, 2);
+}
+
 TEST(DOMBuilder, ReleasesADocumentThatItTakesOverAndWritesNoneWithoutAURI)
 {
-    XercesPtr<DOMDocument> document = NewDocument();
-    DOMBuilder builder(document.release(), nullptr, DOMBuilder::TakeDocumentOver, 0);
-    IO::Location location;
-    EXPECT_FALSE(builder.GetLocation(location));
-    WriteRoot(builder, 1);
-    // What is not released is a leak, which the memory checkers report.
+    ReleaseCounter counter;
+    {
+        DOMBuilder builder(NewDocument().release(), nullptr, DOMBuilder::TakeDocumentOver, 0);
+        counter.AttachTo(*builder.GetDOMDocument());
+        IO::Location location;
+        EXPECT_FALSE(builder.GetLocation(location));
+        WriteRoot(builder, 1);
+    }
+    EXPECT_EQ(counter.released, 1);
+}
+
+TEST(DOMBuilder, ReleasesNoDocumentThatItDoesNotTakeOver)
+{
+    for (const int ownership : {0, 2, -1})
+    {
+        const XercesPtr<DOMDocument> document = NewDocument();
+        ReleaseCounter counter;
+        counter.AttachTo(*document);
+        {
+            const DOMBuilder builder(document.get(), nullptr,
+                                     static_cast<DOMBuilder::OwnershipType>(ownership), 0);
+        }
+        EXPECT_EQ(counter.released, 0);
+        document->setUserData(u"counter", nullptr, nullptr);
+    }
 }
 
 TEST(DOMBuilder, SetsTheFieldsOfTheChannel)

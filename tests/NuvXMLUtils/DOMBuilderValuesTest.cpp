@@ -278,6 +278,8 @@ TEST(DOMBuilderValues, EndAStringAtAZeroCharacter)
     const char zeros[4] = {};
     r.builder.WriteXML("n", zeros, sizeof zeros);
     EXPECT_EQ(r.Element().getLastElementChild()->getFirstChild(), nullptr);
+    r.builder.WriteXML("n", UniString(u"\0\r", 2));
+    EXPECT_EQ(r.Element().getLastElementChild()->getFirstChild(), nullptr);
 }
 
 TEST(DOMBuilderValues, NormaliseLineEndsOfElementsOnly)
