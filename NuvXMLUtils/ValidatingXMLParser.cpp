@@ -58,8 +58,8 @@ class DOMTreeErrorReporter : public xercesc_3_0::ErrorHandler
     void resetErrors() override {}
 };
 
-/// One call of the parser: it has its handlers for the time of the call only, for they do not outlive it. When
-/// the call ends the parser is fit for the next one, and holds nothing of a document that failed.
+/// One call of the parser: it has its handlers for the time of the call only, for they do not outlive it.
+/// When the call ends the parser is fit for the next one, and holds nothing of a document that failed.
 class CallScope
 {
   public:
