@@ -97,9 +97,9 @@ class NUVXMLUTILS_API DOMReader : public Nuv::XMLIChannel
     /// node or in error returns 2 and keeps its error status; any other failure clears it.
     int ReadStartElement(const char* name) override;
 
-    /// Goes to the end of the innermost element `name` that the reader is in, the actual node included: on the
-    /// end of a child of the same name it stays there, so objects of one name want an element between them.
-    /// Fails for null.
+    /// Goes to the end of the innermost element `name` that the reader is in, the actual node included: on
+    /// the end of a child of the same name it stays there, so objects of one name want an element between
+    /// them. Fails for null.
     int ReadEndElement(const char* name) override;
 
     /// Moves by one token, and on until the token's bit is set in `mask` unless that is 0. The end of the
