@@ -28,18 +28,15 @@ inline constexpr int LibraryExceptionID = -36;
     }                                                                                                        \
     Class(const Nuv::UniString& text, const char* sourceFile, unsigned int sourceLine)                       \
         : Nuv::NuvException(text, sourceFile, sourceLine, nullptr, NuvXML::LibraryExceptionID)               \
-        , Base()                                                                                             \
     {                                                                                                        \
     }                                                                                                        \
     Class(const Nuv::UniString& text, const char* sourceFile, unsigned int sourceLine,                       \
           const Nuv::NuvException& causedBy)                                                                 \
         : Nuv::NuvException(text, sourceFile, sourceLine, &causedBy, NuvXML::LibraryExceptionID)             \
-        , Base()                                                                                             \
     {                                                                                                        \
     }                                                                                                        \
     Class()                                                                                                  \
         : Nuv::NuvException(Nuv::UniString(), nullptr, 0, nullptr, NuvXML::LibraryExceptionID)               \
-        , Base()                                                                                             \
     {                                                                                                        \
     }                                                                                                        \
     Class(const Class&) = default;                                                                           \

@@ -20,8 +20,9 @@ class Escapes
     /// @param except control characters that stay as they are
     constexpr Escapes(std::u16string_view listed, std::u16string_view except)
     {
-        for (char16_t unit = 0; unit < isSpecial.size(); ++unit)
-            isSpecial[unit] = (unit < 0x20 || unit >= 0x7F) && except.find(unit) == except.npos;
+        for (size_t unit = 0; unit < isSpecial.size(); ++unit)
+            isSpecial[unit] =
+                (unit < 0x20 || unit >= 0x7F) && except.find(static_cast<char16_t>(unit)) == except.npos;
         for (const char16_t unit : listed)
             isSpecial[unit] = true;
     }

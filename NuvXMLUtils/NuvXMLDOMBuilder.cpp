@@ -122,7 +122,7 @@ std::u16string TakeCDATASection(std::u16string_view& text)
 {
     constexpr std::u16string_view sectionEnd = u"]]>";
     const size_t end = text.find(sectionEnd);
-    const std::u16string section(text.substr(0, end == text.npos ? end : end + sectionEnd.size() - 1));
+    std::u16string section(text.substr(0, end == text.npos ? end : end + sectionEnd.size() - 1));
     text.remove_prefix(section.size());
     return section;
 }

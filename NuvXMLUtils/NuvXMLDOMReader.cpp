@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace NuvXML
 {
@@ -270,10 +271,11 @@ int DOMReader::ReadXML(const char* name, Nuv::UniString& value)
         AddMessage(TextWith(u"Start element for ", name, u" tag not found"));
         return status;
     }
+    Nuv::UniString text;
     try
     {
         const DOMNode* child = ActualNode()->getFirstChild();
-        value = child ? child->getNodeValue() : nullptr;
+        text = child ? child->getNodeValue() : nullptr;
     }
     catch (const xercesc_3_0::DOMException&)
     {
@@ -281,6 +283,7 @@ int DOMReader::ReadXML(const char* name, Nuv::UniString& value)
     }
     if (const int status = ReadEndElement(name); status != Nuv::Success)
         return status;
+    value = std::move(text);
     return cursor.Keep();
 }
 

@@ -20,8 +20,8 @@
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 
-#include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -198,15 +198,23 @@ void SweepBuilder(Operation operation)
         });
 }
 
-using BuilderOperation = std::function<void(NuvXML::DOMBuilder&)>;
+/// A named call of a channel.
+template <class Channel>
+struct Operation
+{
+    const char* name;
+    void (*call)(Channel&);
 
-class AllocationFailureOfBuilder : public testing::TestWithParam<std::pair<const char*, BuilderOperation>>
+    friend void PrintTo(const Operation& operation, std::ostream* stream) { *stream << operation.name; }
+};
+
+class AllocationFailureOfBuilder : public testing::TestWithParam<Operation<NuvXML::DOMBuilder>>
 {
 };
 
 TEST_P(AllocationFailureOfBuilder, ThrowsTheApplicationsExceptionAndLeavesNothingBehind)
 {
-    SweepBuilder(GetParam().second);
+    SweepBuilder(GetParam().call);
 }
 
 std::string LongText(size_t length) { return std::string(length, 'x'); }
@@ -214,7 +222,7 @@ std::string LongText(size_t length) { return std::string(length, 'x'); }
 /// Long enough that the document needs another block for it.
 const UniString HugeText(LongText(200'000));
 
-const std::pair<const char*, BuilderOperation> BuilderOperations[] = {
+const Operation<NuvXML::DOMBuilder> BuilderOperations[] = {
     {"GetLocation",
      [](auto& builder)
      {
@@ -259,7 +267,7 @@ const std::pair<const char*, BuilderOperation> BuilderOperations[] = {
 };
 
 INSTANTIATE_TEST_SUITE_P(Operations, AllocationFailureOfBuilder, testing::ValuesIn(BuilderOperations),
-                         [](const auto& test) { return std::string(test.param.first); });
+                         [](const auto& test) { return std::string(test.param.name); });
 
 void BareExport(const xercesc_3_0::DOMDocument& document)
 {
@@ -520,9 +528,7 @@ TEST(AllocationFailure, OfANodeLocationLeavesTheStoreAsItWas)
 
 // Reading.
 
-using ReaderOperation = std::function<void(Nuv::XMLIChannel&)>;
-
-class AllocationFailureOfReader : public testing::TestWithParam<std::pair<const char*, ReaderOperation>>
+class AllocationFailureOfReader : public testing::TestWithParam<Operation<Nuv::XMLIChannel>>
 {
 };
 
@@ -537,7 +543,7 @@ TEST_P(AllocationFailureOfReader, ThrowsTheApplicationsExceptionAndLeavesNothing
                 reader = NuvXML::CreateXMLIChannelFromMemory(Data(Document), Size(Document), true);
                 reader->AddMessage(UniString(u"a message that is longer than a short string"));
             }
-            ExpectOutOfMemoryOnly([&] { GetParam().second(*reader); });
+            ExpectOutOfMemoryOnly([&] { GetParam().call(*reader); });
             const Pause pause;
             NuvXML::DisposeXMLIChannel(reader);
         });
@@ -557,7 +563,7 @@ void ReadAttribute(Nuv::XMLIChannel& reader, const char* name)
     reader.ReadXMLAttr(name, value);
 }
 
-const std::pair<const char*, ReaderOperation> ReaderOperations[] = {
+const Operation<Nuv::XMLIChannel> ReaderOperations[] = {
     {"Create", [](auto& reader) { delete reader.Create(UniString(), UniString()); }},
     {"GetLocation",
      [](auto& reader)
@@ -622,7 +628,7 @@ const std::pair<const char*, ReaderOperation> ReaderOperations[] = {
 };
 
 INSTANTIATE_TEST_SUITE_P(Operations, AllocationFailureOfReader, testing::ValuesIn(ReaderOperations),
-                         [](const auto& test) { return std::string(test.param.first); });
+                         [](const auto& test) { return std::string(test.param.name); });
 
 TEST(AllocationFailure, OfAReadLeavesTheReaderWhereItWas)
 {
