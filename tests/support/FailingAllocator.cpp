@@ -42,6 +42,16 @@ void* Allocate(std::size_t size)
     throw std::bad_alloc();
 }
 
+void* AllocateOrNull(std::size_t size)
+try
+{
+    return Allocate(size);
+}
+catch (const std::bad_alloc&)
+{
+    return nullptr;
+}
+
 void Free(void* block)
 {
     if (!block)
@@ -55,6 +65,10 @@ void Free(void* block)
 void* operator new(std::size_t size) { return Allocate(size); }
 
 void* operator new[](std::size_t size) { return Allocate(size); }
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return AllocateOrNull(size); }
+
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return AllocateOrNull(size); }
 
 void operator delete(void* block) noexcept { Free(block); }
 
