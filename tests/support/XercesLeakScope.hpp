@@ -11,7 +11,7 @@ namespace NuvTest
 {
 
 /// Has the leak sanitizer overlook what is allocated until the end of the scope, for tests that meet a leak
-/// of Xerces itself. These are known (valgrind overlooks them by xerces.supp):
+/// of Xerces itself. These are known (valgrind overlooks them by valgrind.supp):
 /// - some builds of Xerces 3.2 never free the entity of an external DTD, which is how they keep it from being
 ///   used after it was freed;
 /// - the reader of an entity loses its encoding's name when the first read from the stream throws.
