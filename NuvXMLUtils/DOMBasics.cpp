@@ -74,7 +74,7 @@ Unit* Unquoted(Unit* s)
 {
     Unit* const end = EndOf(s);
     if (end - s < 2 || !IsQuote(*s) || end[-1] != *s)
-        throw ConvException("String value error", nullptr);
+        throw ConvException(u"String value error", nullptr);
     end[-1] = 0;
     return s + 1;
 }
@@ -261,7 +261,7 @@ char* UnicodeToString(Nuv::UniString text, bool flag)
 {
     std::unique_ptr<char[]> bytes = OrMemoryError([&] { return Encoded(text.View(), flag); });
     if (!bytes)
-        throw ConvException("Failed to transcode string.", nullptr);
+        throw ConvException(u"Failed to transcode string.", nullptr);
     return bytes.release();
 }
 
@@ -299,10 +299,10 @@ unsigned int GetIntNum(const char* s)
     for (; *s; ++s)
     {
         if (*s < '0' || *s > '9')
-            throw ConvException("Too many data", nullptr);
+            throw ConvException(u"Too many data", nullptr);
         const auto digit = static_cast<unsigned int>(*s - '0');
         if (value > (Limit - digit) / 10)
-            throw ConvException("Integer Overflow", nullptr);
+            throw ConvException(u"Integer Overflow", nullptr);
         value = value * 10 + digit;
     }
     return value;
@@ -314,9 +314,9 @@ int GetSignedLong(const char* s)
     const unsigned int magnitude = GetIntNum(*s == '+' || negative ? s + 1 : s);
     constexpr unsigned int Limit = std::numeric_limits<int>::max();
     if (negative && magnitude > Limit + 1)
-        throw ConvException("Integer Underflow", nullptr);
+        throw ConvException(u"Integer Underflow", nullptr);
     if (!negative && magnitude > Limit)
-        throw ConvException("Integer Overflow", nullptr);
+        throw ConvException(u"Integer Overflow", nullptr);
     return static_cast<int>(negative ? 0 - magnitude : magnitude);
 }
 
@@ -328,9 +328,9 @@ double GetDouble(const char* s)
     errno = 0;
     const double value = strtod_l(s, &end, CLocale());
     if (end == s || (value != 0.0 && errno == ERANGE))
-        throw ConvException("Floating point number error", nullptr);
+        throw ConvException(u"Floating point number error", nullptr);
     if (*end)
-        throw ConvException("Too many data", nullptr);
+        throw ConvException(u"Too many data", nullptr);
     return value;
 }
 

@@ -93,7 +93,7 @@ auto OrMemoryError(Make make)
     }
     catch (const std::bad_alloc&)
     {
-        throw ConvException("Memory error", nullptr);
+        throw ConvException(u"Memory error", nullptr);
     }
 }
 

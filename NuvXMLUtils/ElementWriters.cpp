@@ -179,7 +179,7 @@ bool WriteStyleSheet(DOMDocument* doc, const char* href)
 {
     if (!href || std::strlen(href) > MaxHrefLength)
         return false;
-    const Nuv::UniString data = Decoded("type=\"text/xsl\" href=\"" + Nuv::String(href) + "\" ");
+    const Nuv::UniString data = u"type=\"text/xsl\" href=\"" + Nuv::UniString(href) + u"\" ";
     return Succeeds(
         [&]
         {
