@@ -109,4 +109,15 @@ TEST_F(DOMHelpersInEBCDIC, EndTheLinesOfACDATASectionWithCRLF)
     EXPECT_EQ(Taken(GetCDATANode(lines.root)), "\x81\r\x25\x82");
 }
 
+TEST_F(DOMHelpersInEBCDIC, RefuseEightBitValuesAndReadUnicodeOnes)
+{
+    const Tree values("<r a='1'><n>1</n><s><![CDATA['x']]></s></r>");
+    EXPECT_EQ(ConvMessageOf([&] { GetSLongTag(values.Find(u"n")); }), "Tag 'n'; Too many data");
+    EXPECT_EQ(ConvMessageOf([&] { GetSLongAttr(values.root, u"a"); }),
+              "Attribute: 'a' (missing or incorrect); Too many data");
+    EXPECT_EQ(ConvMessageOf([&] { GetStringTag(values.Find(u"s")); }), "Tag 's'; String value error");
+    EXPECT_EQ(GetTagTextU(values.Find(u"n")), u"1");
+    EXPECT_EQ(Taken(GetStringTagU(values.Find(u"s"))), u"x");
+}
+
 } // namespace
