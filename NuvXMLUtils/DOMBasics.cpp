@@ -11,7 +11,6 @@ namespace NuvXMLUtils
 namespace
 {
 
-using xercesc_3_0::DOMDocument;
 using xercesc_3_0::DOMElement;
 using xercesc_3_0::DOMNode;
 
@@ -74,7 +73,7 @@ Unit* Unquoted(Unit* s)
 {
     Unit* const end = EndOf(s);
     if (end - s < 2 || !IsQuote(*s) || end[-1] != *s)
-        throw ConvException("String value error", nullptr);
+        throw ConvException(u"String value error", nullptr);
     end[-1] = 0;
     return s + 1;
 }
@@ -88,52 +87,6 @@ Nuv::UniChar QuoteFor(std::u16string_view text)
 }
 
 } // namespace
-
-unsigned int LineOf(const DOMNode* node)
-{
-    const DOMDocument* const document = node ? node->getOwnerDocument() : nullptr;
-    const void* const store = document ? document->getUserData(u"NodeLocations") : nullptr;
-    const NodeLocationInfo* const location =
-        store ? static_cast<const NodeLocations*>(store)->Find(node) : nullptr;
-    return location ? location->lineNumber : 0;
-}
-
-void AddContext(ConvException& exception, const Nuv::UniString& context, const DOMNode* node)
-{
-    exception.message = context + exception.message;
-    exception.StoreErrLoc(node);
-}
-
-std::unique_ptr<char[]> Encoded(std::u16string_view text, bool lossy)
-{
-    const auto convert = [&](char* out, int capacity) {
-        return CHUnicode2ANSI(text.data(), static_cast<int>(text.size()), out, capacity, Nuv::CC_Default,
-                              lossy);
-    };
-
-    const int count = convert(nullptr, 0);
-    std::unique_ptr<char[]> bytes(new char[static_cast<size_t>(count) + 1]);
-    if (convert(bytes.get(), count + 1) <= 0)
-        return nullptr;
-    bytes[static_cast<size_t>(count)] = '\0';
-    return bytes;
-}
-
-bool GetBoolean(const char* text)
-{
-    const std::string_view word(text);
-    if (word == "yes" || word == "true" || word == "1")
-        return true;
-    if (word == "no" || word == "false" || word == "0")
-        return false;
-    throw ConvException(u"'yes/true' or 'no/false' expected, '" + Nuv::UniString(text) + u"' found", nullptr);
-}
-
-locale_t CLocale()
-{
-    static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
-    return locale;
-}
 
 ConvException::ConvException(const Nuv::UniString& msg, const NodeLocationInfo* loc)
     : message(msg)
@@ -261,7 +214,7 @@ char* UnicodeToString(Nuv::UniString text, bool flag)
 {
     std::unique_ptr<char[]> bytes = OrMemoryError([&] { return Encoded(text.View(), flag); });
     if (!bytes)
-        throw ConvException("Failed to transcode string.", nullptr);
+        throw ConvException(u"Failed to transcode string.", nullptr);
     return bytes.release();
 }
 
@@ -299,10 +252,10 @@ unsigned int GetIntNum(const char* s)
     for (; *s; ++s)
     {
         if (*s < '0' || *s > '9')
-            throw ConvException("Too many data", nullptr);
+            throw ConvException(u"Too many data", nullptr);
         const auto digit = static_cast<unsigned int>(*s - '0');
         if (value > (Limit - digit) / 10)
-            throw ConvException("Integer Overflow", nullptr);
+            throw ConvException(u"Integer Overflow", nullptr);
         value = value * 10 + digit;
     }
     return value;
@@ -314,9 +267,9 @@ int GetSignedLong(const char* s)
     const unsigned int magnitude = GetIntNum(*s == '+' || negative ? s + 1 : s);
     constexpr unsigned int Limit = std::numeric_limits<int>::max();
     if (negative && magnitude > Limit + 1)
-        throw ConvException("Integer Underflow", nullptr);
+        throw ConvException(u"Integer Underflow", nullptr);
     if (!negative && magnitude > Limit)
-        throw ConvException("Integer Overflow", nullptr);
+        throw ConvException(u"Integer Overflow", nullptr);
     return static_cast<int>(negative ? 0 - magnitude : magnitude);
 }
 
@@ -328,9 +281,9 @@ double GetDouble(const char* s)
     errno = 0;
     const double value = strtod_l(s, &end, CLocale());
     if (end == s || (value != 0.0 && errno == ERANGE))
-        throw ConvException("Floating point number error", nullptr);
+        throw ConvException(u"Floating point number error", nullptr);
     if (*end)
-        throw ConvException("Too many data", nullptr);
+        throw ConvException(u"Too many data", nullptr);
     return value;
 }
 

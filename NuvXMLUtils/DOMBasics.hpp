@@ -5,6 +5,7 @@
 /// Two exceptions are in use. Where a node cannot be made or a text cannot become UTF-16 it is
 /// `xercesc_3_0::DOMException`, with code 0 and a constant message; where a tree or a text does not hold what
 /// a reader expects it is ConvException. Node and text arguments must not be null unless a function says so.
+/// What trims, unquotes or parses 8-bit text looks for ASCII, whatever the local code page.
 /// Nothing here keeps a state; a tree belongs to one thread at a time.
 #pragma once
 

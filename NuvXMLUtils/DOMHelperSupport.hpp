@@ -2,11 +2,13 @@
 /// What the source units of the DOM helper functions share. Private to the library.
 #pragma once
 
+#include "NuvRoot/ValueText.hpp"
 #include "NuvXMLUtils/DOMBasics.hpp"
 
 #include <xercesc/dom/DOMException.hpp>
 
 #include <algorithm>
+#include <iterator>
 #include <locale.h>
 #include <memory>
 #include <new>
@@ -24,6 +26,15 @@ inline Nuv::UniString Decoded(const Nuv::String& text) { return Nuv::UniString(t
 inline Nuv::UniString FromUnits(const unsigned short* units, size_t length)
 {
     return Nuv::UniString(std::u16string(units, units + length));
+}
+
+/// An integer in decimal.
+template <class Integer>
+Nuv::UniString DecimalText(Integer value)
+{
+    Nuv::UniChar digits[32];
+    Nuv::valuetostr(value, digits, std::size(digits));
+    return digits;
 }
 
 /// Where the terminator of a text stands.
@@ -93,7 +104,7 @@ auto OrMemoryError(Make make)
     }
     catch (const std::bad_alloc&)
     {
-        throw ConvException("Memory error", nullptr);
+        throw ConvException(u"Memory error", nullptr);
     }
 }
 

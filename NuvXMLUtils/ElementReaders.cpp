@@ -33,17 +33,17 @@ std::unique_ptr<char[]> EncodedOrNull(std::u16string_view text)
 }
 
 /// What `strtol` reads in the "C" locale, saturated at 64 bits.
-long long LeadingInteger(const Nuv::String& text) { return strtoll_l(text.c_str(), nullptr, 10, CLocale()); }
+long long LeadingInteger(const std::string& text) { return strtoll_l(text.c_str(), nullptr, 10, CLocale()); }
 
 /// What `atol` gives where `long` has 32 bits.
-int ToLong(const Nuv::String& text)
+int ToLong(const std::string& text)
 {
     using Limits = std::numeric_limits<int>;
     return static_cast<int>(std::clamp<long long>(LeadingInteger(text), Limits::min(), Limits::max()));
 }
 
 /// What `strtoul` gives where `long` has 32 bits.
-unsigned int ToULong(const Nuv::String& text)
+unsigned int ToULong(const std::string& text)
 {
     constexpr unsigned int Max = std::numeric_limits<unsigned int>::max();
     const long long value = LeadingInteger(text);
@@ -51,12 +51,13 @@ unsigned int ToULong(const Nuv::String& text)
     return inRange ? static_cast<unsigned int>(value) : Max;
 }
 
+/// Digits are parsed in UTF-8, where they are the same in every local code page.
 template <class Number, class Parse>
 bool ReadNumber(const DOMNode* node, const Nuv::UniString& name, Number& v, Parse parse)
 {
     Nuv::UniString text;
     const bool isRead = ReadTextNode(node, name, text);
-    v = static_cast<Number>(parse(text.ToString()));
+    v = static_cast<Number>(parse(text.ToUTF8()));
     return isRead;
 }
 

@@ -1,6 +1,5 @@
 #include "NuvXMLUtils/ElementWriters.hpp"
 
-#include "NuvRoot/ValueText.hpp"
 #include "NuvXMLUtils/DOMHelperSupport.hpp"
 
 #include <xercesc/dom/DOMProcessingInstruction.hpp>
@@ -47,14 +46,6 @@ bool Succeeds(Write write)
     {
         return false;
     }
-}
-
-template <class Number>
-bool WriteNumber(DOMElement* parent, const Nuv::UniString& name, Number value, int tabs)
-{
-    Nuv::UniChar digits[32];
-    Nuv::valuetostr(value, digits, std::size(digits));
-    return WriteTextElement(parent, name, digits, tabs);
 }
 
 } // namespace
@@ -104,7 +95,7 @@ bool WriteTextElement(DOMElement* parent, const Nuv::String& name, const Nuv::St
 
 bool WriteShortElement(DOMElement* parent, const Nuv::UniString& name, const short& v, int tabs)
 {
-    return WriteNumber(parent, name, v, tabs);
+    return WriteTextElement(parent, name, DecimalText(v), tabs);
 }
 
 bool WriteShortElement(DOMElement* parent, const Nuv::String& name, const short& v, int tabs)
@@ -114,7 +105,7 @@ bool WriteShortElement(DOMElement* parent, const Nuv::String& name, const short&
 
 bool WriteUShortElement(DOMElement* parent, const Nuv::UniString& name, const unsigned short& v, int tabs)
 {
-    return WriteNumber(parent, name, v, tabs);
+    return WriteTextElement(parent, name, DecimalText(v), tabs);
 }
 
 bool WriteUShortElement(DOMElement* parent, const Nuv::String& name, const unsigned short& v, int tabs)
@@ -124,7 +115,7 @@ bool WriteUShortElement(DOMElement* parent, const Nuv::String& name, const unsig
 
 bool WriteLongElement(DOMElement* parent, const Nuv::UniString& name, const int& v, int tabs)
 {
-    return WriteNumber(parent, name, v, tabs);
+    return WriteTextElement(parent, name, DecimalText(v), tabs);
 }
 
 bool WriteLongElement(DOMElement* parent, const Nuv::String& name, const int& v, int tabs)
@@ -134,7 +125,7 @@ bool WriteLongElement(DOMElement* parent, const Nuv::String& name, const int& v,
 
 bool WriteULongElement(DOMElement* parent, const Nuv::UniString& name, const unsigned int& v, int tabs)
 {
-    return WriteNumber(parent, name, v, tabs);
+    return WriteTextElement(parent, name, DecimalText(v), tabs);
 }
 
 bool WriteULongElement(DOMElement* parent, const Nuv::String& name, const unsigned int& v, int tabs)
@@ -144,7 +135,7 @@ bool WriteULongElement(DOMElement* parent, const Nuv::String& name, const unsign
 
 bool WriteBooleanElement(DOMElement* parent, const Nuv::UniString& name, const bool& v, int tabs)
 {
-    return WriteNumber(parent, name, v ? 1 : 0, tabs);
+    return WriteTextElement(parent, name, v ? u"1" : u"0", tabs);
 }
 
 bool WriteBooleanElement(DOMElement* parent, const Nuv::String& name, const bool& v, int tabs)
@@ -179,7 +170,7 @@ bool WriteStyleSheet(DOMDocument* doc, const char* href)
 {
     if (!href || std::strlen(href) > MaxHrefLength)
         return false;
-    const Nuv::UniString data = Decoded("type=\"text/xsl\" href=\"" + Nuv::String(href) + "\" ");
+    const Nuv::UniString data = u"type=\"text/xsl\" href=\"" + Nuv::UniString(href) + u"\" ";
     return Succeeds(
         [&]
         {

@@ -1,6 +1,5 @@
 #include "NuvXMLUtils/TagBuilders.hpp"
 
-#include "NuvRoot/ValueText.hpp"
 #include "NuvXMLUtils/DOMHelperSupport.hpp"
 #include "NuvXMLUtils/ElementWriters.hpp"
 
@@ -97,17 +96,9 @@ DOMElement* NewTagOfUnits(DOMElement* parent, const char* name, const Unit* valu
     return AppendTag(parent, name, content, tabs, true);
 }
 
-template <class Integer>
-Nuv::UniString DecimalText(Integer value)
-{
-    Nuv::UniChar digits[32];
-    Nuv::valuetostr(value, digits, std::size(digits));
-    return digits;
-}
-
 /// Twelve significant digits. The exponent has at least three digits and zero has no sign, so that every
 /// platform writes the same.
-Nuv::UniString DecimalText(double value)
+Nuv::UniString TextOfDouble(double value)
 {
     char digits[32];
     const char* const end =
@@ -228,7 +219,7 @@ DOMElement* NewULongTag(DOMElement* parent, const char* name, unsigned int value
 
 DOMElement* NewDoubleTag(DOMElement* parent, const char* name, double value, int tabs)
 {
-    return AppendTag(parent, name, DecimalText(value), tabs, false);
+    return AppendTag(parent, name, TextOfDouble(value), tabs, false);
 }
 
 DOMElement* NewBoolTag(DOMElement* parent, const char* name, unsigned char value, int tabs)

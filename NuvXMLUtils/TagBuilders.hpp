@@ -7,7 +7,7 @@
 /// values are UTF-16; all are zero-terminated. Pointers must not be null unless a function says so.
 ///
 /// The builders throw `xercesc_3_0::DOMException`: "Memory error" when Xerces makes no node, and its own, for
-/// a name that XML forbids, say. The tag then is not in the tree.
+/// a name that XML forbids, say. The tag then is not in the tree, unless only its line end is missing.
 #pragma once
 
 #include "NuvRoot/UniString.hpp"
@@ -127,7 +127,8 @@ NUVXMLUTILS_API void SetLegacyBooleanAttr(xercesc_3_0::DOMElement* elem, const c
 
 /// @}
 /// @name Getting attributes
-/// Blanks and tabs around the value are ignored. A missing attribute is an empty one, which is no value.
+/// Blanks and tabs around the value are ignored. A missing attribute is an empty one, which is no value. The
+/// local code page must be one that holds ASCII as it is.
 ///
 /// They throw ConvException with the line of the element and, before the message of the parser,
 /// "Attribute: '" name "' (missing or incorrect); ". A value that the local code page cannot hold throws

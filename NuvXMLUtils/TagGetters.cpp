@@ -103,24 +103,6 @@ std::unique_ptr<char[]> TranscodedWithWarning(const Nuv::UniString& text, const 
     return bytes;
 }
 
-std::unique_ptr<char[]> WithCRLF(std::unique_ptr<char[]> text)
-{
-    const std::string_view lines(text.get());
-    const auto lineEnds = static_cast<size_t>(std::count(lines.begin(), lines.end(), '\n'));
-    if (lineEnds == 0)
-        return text;
-    std::unique_ptr<char[]> result(new char[lines.size() + lineEnds + 1]);
-    char* out = result.get();
-    for (const char byte : lines)
-    {
-        if (byte == '\n')
-            *out++ = '\r';
-        *out++ = byte;
-    }
-    *out = '\0';
-    return result;
-}
-
 /// Both forms of a string tag: `Unit` is what it gives an array of.
 template <class Unit>
 Unit* UnquotedTag(const DOMElement* elem, Nuv::VAArray<WarningData>* warnings,
@@ -165,10 +147,11 @@ bool GetBoolTag(const DOMElement* elem) { return ParseTag(elem, GetBoolean); }
 char* GetCDATANode(const DOMElement* elem, Nuv::VAArray<WarningData>* warnings)
 {
     const DOMNode* const section = FindCDATASection(elem, u"CDATA");
-    const Nuv::UniString content = ContentOf(section);
+    Nuv::UniString content = ContentOf(section);
+    content.ReplaceAll(u"\n", u"\r\n");
     try
     {
-        return WithCRLF(TranscodedWithWarning(content, elem, section, warnings)).release();
+        return TranscodedWithWarning(content, elem, section, warnings).release();
     }
     catch (ConvException& exception)
     {

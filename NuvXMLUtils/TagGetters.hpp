@@ -3,7 +3,8 @@
 /// has the line of the node to blame.
 ///
 /// Arrays that are returned are new and zero-terminated; the caller frees them with `delete[]`. 8-bit text is
-/// in the local code page. When a getter throws, it leaves nothing behind.
+/// in the local code page; what reads numbers, booleans, quotes and blanks in it needs one that holds ASCII
+/// as it is, not EBCDIC. When a getter throws, it leaves nothing behind.
 #pragma once
 
 #include "NuvRoot/Containers.hpp"

@@ -3,13 +3,15 @@
 #include "NuvXMLUtils/Xerces.hpp"
 
 #include <xercesc/dom/DOMElement.hpp>
+#include <xercesc/dom/DOMException.hpp>
 #include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/dom/impl/DOMDocumentImpl.hpp>
 
 namespace NuvTest
 {
 
-/// A document that makes no nodes when it is told so, as the DOM's interface lets it.
+/// A document that makes no nodes, or only so many text nodes, when it is told so, as the DOM's interface
+/// lets it.
 class BarrenDocument : public xercesc_3_0::DOMDocumentImpl
 {
   public:
@@ -27,21 +29,24 @@ class BarrenDocument : public xercesc_3_0::DOMDocumentImpl
 
     xercesc_3_0::DOMText* createTextNode(const XMLCh* data) override
     {
-        return makesText ? DOMDocumentImpl::createTextNode(data) : nullptr;
+        return textsToMake-- > 0 ? DOMDocumentImpl::createTextNode(data) : nullptr;
     }
 
     xercesc_3_0::DOMCDATASection* createCDATASection(const XMLCh* data) override
     {
-        return makesText ? DOMDocumentImpl::createCDATASection(data) : nullptr;
+        return textsToMake-- > 0 ? DOMDocumentImpl::createCDATASection(data) : nullptr;
     }
 
     xercesc_3_0::DOMProcessingInstruction* createProcessingInstruction(const XMLCh*, const XMLCh*) override
     {
+        if (refusesInstructions)
+            throw xercesc_3_0::DOMException();
         return nullptr;
     }
 
     bool makesElements = true;
-    bool makesText = true;
+    bool refusesInstructions = false; ///< by an exception
+    int textsToMake = 1000;           ///< CDATA sections count as well
     xercesc_3_0::DOMElement* const root;
 };
 

@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace NuvTest
 {
@@ -136,6 +137,14 @@ std::string DOMFailureOf(Action action)
     }
     ADD_FAILURE() << "No DOMException.";
     return std::string();
+}
+
+/// Zero-terminated text in units of the callers' type.
+inline std::vector<unsigned short> Units(std::u16string_view text)
+{
+    std::vector<unsigned short> units(text.begin(), text.end());
+    units.push_back(0);
+    return units;
 }
 
 /// An array that a helper function gave away, as text.

@@ -1,5 +1,6 @@
 #include "tests/NuvXMLUtils/DOMHelperTrees.hpp"
 #include "tests/support/CommaLocale.hpp"
+#include "tests/support/LocalCodePageScope.hpp"
 
 #include <cstdio>
 
@@ -70,6 +71,57 @@ TEST_F(DOMHelpersInACommaLocale, KnowNoFurtherWhiteSpace)
                                 "1.5");
                   }),
               "Floating point number error");
+}
+
+/// Runs with a local code page that holds ASCII in another way.
+class DOMHelpersInEBCDIC : public testing::Test
+{
+  protected:
+    const LocalCodePageScope codePage{"ibm-37"};
+    const Tree tree;
+};
+
+TEST_F(DOMHelpersInEBCDIC, ReadBackTheNumbersThatTheyWrite)
+{
+    WriteLongElement(tree.root, u"l", -42, 0);
+    WriteBooleanElement(tree.root, u"b", true, 0);
+    EXPECT_EQ(Shown(tree.root), "{}l({-42}){\\r\\n}{}b({1}){\\r\\n}");
+    int number = 0;
+    EXPECT_TRUE(ReadLongNode(tree.Find(u"l"), u"l", number));
+    EXPECT_EQ(number, -42);
+    bool flag = false;
+    EXPECT_TRUE(ReadBooleanNode(tree.Find(u"b"), u"b", flag));
+    EXPECT_TRUE(flag);
+}
+
+TEST_F(DOMHelpersInEBCDIC, TellTheirFailuresInPlainText)
+{
+    EXPECT_EQ(ConvMessageOf([] { GetIntNum("x"); }), "Too many data");
+    EXPECT_EQ(ConvMessageOf([] { UnicodeToString(u"", true); }), "Failed to transcode string.");
+}
+
+TEST_F(DOMHelpersInEBCDIC, DecodeNothingButTheReferenceOfAStyleSheet)
+{
+    EXPECT_TRUE(WriteStyleSheet(tree.document.get(), "\x81\x82"));
+    EXPECT_EQ(Shown(tree.document.get()), "?xml-stylesheet type=\"text/xsl\" href=\"ab\" ?r()");
+}
+
+/// CR LF is 0D 25.
+TEST_F(DOMHelpersInEBCDIC, EndTheLinesOfACDATASectionWithCRLF)
+{
+    const Tree lines("<s><![CDATA[a\nb]]></s>");
+    EXPECT_EQ(Taken(GetCDATANode(lines.root)), "\x81\r\x25\x82");
+}
+
+TEST_F(DOMHelpersInEBCDIC, RefuseEightBitValuesAndReadUnicodeOnes)
+{
+    const Tree values("<r a='1'><n>1</n><s><![CDATA['x']]></s></r>");
+    EXPECT_EQ(ConvMessageOf([&] { GetSLongTag(values.Find(u"n")); }), "Tag 'n'; Too many data");
+    EXPECT_EQ(ConvMessageOf([&] { GetSLongAttr(values.root, u"a"); }),
+              "Attribute: 'a' (missing or incorrect); Too many data");
+    EXPECT_EQ(ConvMessageOf([&] { GetStringTag(values.Find(u"s")); }), "Tag 's'; String value error");
+    EXPECT_EQ(GetTagTextU(values.Find(u"n")), u"1");
+    EXPECT_EQ(Taken(GetStringTagU(values.Find(u"s"))), u"x");
 }
 
 } // namespace

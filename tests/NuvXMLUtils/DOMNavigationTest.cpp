@@ -1,4 +1,5 @@
 #include "tests/NuvXMLUtils/DOMHelperTrees.hpp"
+#include "tests/support/LocalCodePageScope.hpp"
 
 #include <xercesc/dom/DOMComment.hpp>
 #include <xercesc/dom/DOMDocumentFragment.hpp>
@@ -164,6 +165,14 @@ TEST(SkipTextNodes, OfANodeStopsAtAComment)
     EXPECT_EQ(ShownOrNull(node), "!c!");
 }
 
+TEST(SkipTextNodes, OfANodeStopsAtACDATASection)
+{
+    const Tree tree("<r>t<![CDATA[x]]></r>");
+    DOMNode* node = tree.root->getFirstChild();
+    SkipTextNodes(node);
+    EXPECT_EQ(ShownOrNull(node), "[x]");
+}
+
 TEST(SkipTextNodes, OfANodeGivesNullWhenOnlyTextIsLeft)
 {
     const Tree tree("<r>t</r>");
@@ -212,6 +221,14 @@ TEST(GetNextTag, GivesElementsAndFailsAtAnythingButTextAndComments)
     EXPECT_EQ(ShownOrNull(cursor), "?p d?");
 }
 
+TEST(GetNextTag, FailsAtAnEntityReference)
+{
+    const Tree tree("<!DOCTYPE r [<!ENTITY e '<inner/>'>]><r>&e;<a/></r>");
+    DOMNode* cursor = tree.root->getFirstChild();
+    EXPECT_EQ(ConvMessageOf([&] { GetNextTag(cursor); }), "Unexpected XML node");
+    EXPECT_EQ(cursor, tree.root->getFirstChild());
+}
+
 TEST(GetNextTag, TellsTheLineOfTheUnexpectedNode)
 {
     const Tree tree("<r>\n\n<![CDATA[x]]></r>");
@@ -241,6 +258,14 @@ TEST(IsNodeOk, IsAboutElementsOfExactlyTheName)
     EXPECT_FALSE(IsNodeOk(tree.root->getFirstChild(), u"#text"));
     EXPECT_FALSE(IsNodeOk(nullptr, u"size"));
     EXPECT_FALSE(IsNodeOk(nullptr, "size"));
+}
+
+TEST(IsNodeOk, TakesAnEightBitNameInTheLocalCodePage)
+{
+    const LocalCodePageScope codePage("windows-1252");
+    const Tree tree("<\xC3\xB6/>");
+    EXPECT_TRUE(IsNodeOk(tree.root, Nuv::String("\xF6")));
+    EXPECT_FALSE(IsNodeOk(tree.root, Nuv::String("\xC3\xB6")));
 }
 
 TEST(IsNodeOk, TakesAnEightBitNameUpToItsFirstZero)

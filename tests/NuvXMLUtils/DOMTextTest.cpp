@@ -12,14 +12,6 @@ namespace
 using namespace NuvTest;
 using namespace NuvXMLUtils;
 
-/// Zero-terminated text in units of the callers' type.
-std::vector<unsigned short> Units(std::u16string_view text)
-{
-    std::vector<unsigned short> units(text.begin(), text.end());
-    units.push_back(0);
-    return units;
-}
-
 Nuv::UniString TextOf(const unsigned short* units)
 {
     std::u16string text;

@@ -168,6 +168,13 @@ TEST(NumberReaders, ReadTheNumberThatTheTextStartsWith)
     }
 }
 
+TEST(NumberReaders, TakeEightBitNamesInTheLocalCodePage)
+{
+    const LocalCodePageScope codePage("windows-1252");
+    const Tree tree("<\xC3\xB6>1</\xC3\xB6>");
+    ExpectEqual(Read(tree, Nuv::String("\xF6")), {"1", 1, 1, 1, 1, true});
+}
+
 TEST(NumberReaders, GiveZeroOnAMismatch)
 {
     const NumberCase zero{"mismatch", 0, 0, 0, 0, false};

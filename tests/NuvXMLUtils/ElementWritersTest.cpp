@@ -55,7 +55,7 @@ TEST(Tabs, AppendsWhatWriteTabsAppends)
 TEST(WhitespaceWriters, ReportThatThereIsNoTextNode)
 {
     BarrenDocument document;
-    document.makesText = false;
+    document.textsToMake = 0;
     EXPECT_FALSE(WriteNewLine(document.root));
     EXPECT_FALSE(WriteTabs(document.root, 1));
     EXPECT_EQ(DOMFailureOf([&] { NewLine(document.root); }), "0: Memory error");
@@ -121,11 +121,19 @@ TEST(WriteTextElement, AddsNothingForANameThatXMLForbids)
 TEST(WriteTextElement, AddsNothingWhenANodeIsNotMade)
 {
     BarrenDocument document;
-    document.makesText = false;
+    document.textsToMake = 0;
     EXPECT_FALSE(WriteTextElement(document.root, u"a", u"x", 1));
     document.makesElements = false;
     EXPECT_FALSE(WriteTextElement(document.root, u"a", u"x", 1));
     EXPECT_EQ(Shown(document.root), "");
+}
+
+TEST(WriteTextElement, DoesNotReportThatIndentationAndLineEndAreNotMade)
+{
+    BarrenDocument document;
+    document.textsToMake = 1;
+    EXPECT_TRUE(WriteTextElement(document.root, u"a", u"x", 1));
+    EXPECT_EQ(Shown(document.root), "a({x})");
 }
 
 TEST(WriteTextElement, ReportsAParentThatTakesNoChildren)
@@ -200,6 +208,15 @@ TEST(StructureWriters, WriteAnElementWithoutChildrenOnTwoLines)
     EXPECT_EQ(Shown(tree.root), "{\\t}list({\\r\\n}{\\t}){\\r\\n}");
 }
 
+TEST(BeginWriteElement, TakesAnEightBitNameInTheLocalCodePage)
+{
+    const LocalCodePageScope codePage("windows-1252");
+    const Tree tree;
+    DOMElement* child = nullptr;
+    ASSERT_TRUE(BeginWriteElement(tree.root, child, "\xF6"));
+    EXPECT_EQ(ShownNode(child), "ö({\\r\\n})");
+}
+
 TEST(BeginWriteElement, LetsTheExceptionForAForbiddenNamePass)
 {
     const Tree tree;
@@ -213,7 +230,7 @@ TEST(BeginWriteElement, ReportsThatANodeIsNotMade)
 {
     BarrenDocument document;
     DOMElement* child = nullptr;
-    document.makesText = false;
+    document.textsToMake = 0;
     EXPECT_FALSE(BeginWriteElement(document.root, child, u"a"));
     EXPECT_NE(child, nullptr);
     document.makesElements = false;
@@ -232,7 +249,7 @@ TEST(EndWriteElement, ReportsThatTheLineEndIsNotMade)
     BarrenDocument document;
     DOMElement* child = nullptr;
     ASSERT_TRUE(BeginWriteElement(document.root, child, u"a"));
-    document.makesText = false;
+    document.textsToMake = 0;
     EXPECT_FALSE(EndWriteElement(document.root, child, 1));
     EXPECT_EQ(Shown(document.root), "a({\\r\\n})");
 }
@@ -276,6 +293,8 @@ TEST(WriteStyleSheet, RejectsMoreThan487BytesOfReference)
 TEST(WriteStyleSheet, ReportsThatTheInstructionIsNotMade)
 {
     BarrenDocument document;
+    EXPECT_FALSE(WriteStyleSheet(&document, "s"));
+    document.refusesInstructions = true;
     EXPECT_FALSE(WriteStyleSheet(&document, "s"));
     EXPECT_EQ(Shown(&document), "r()");
 }

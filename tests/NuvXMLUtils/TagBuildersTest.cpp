@@ -12,14 +12,6 @@ using namespace NuvTest;
 using namespace NuvXMLUtils;
 using xercesc_3_0::DOMElement;
 
-/// Zero-terminated text in units of the callers' type.
-std::vector<unsigned short> Units(std::u16string_view text)
-{
-    std::vector<unsigned short> units(text.begin(), text.end());
-    units.push_back(0);
-    return units;
-}
-
 // Text.
 
 TEST(NewTag, WritesTextOnALineOfItsOwn)
@@ -93,7 +85,7 @@ TEST(TagBuilders, FailWhenANodeIsNotMade)
     const BitNames names[] = {{1, "bit"}, {0, nullptr}};
     for (const bool makesElements : {true, false})
     {
-        document.makesText = false;
+        document.textsToMake = 0;
         document.makesElements = makesElements;
         EXPECT_EQ(DOMFailureOf([&] { NewTag(document.root, "a", "x", 1, false, nullptr); }),
                   "0: Memory error");
@@ -102,6 +94,19 @@ TEST(TagBuilders, FailWhenANodeIsNotMade)
         EXPECT_EQ(DOMFailureOf([&] { NewTextTag(document.root, u"a", u"x", 1); }), "0: Memory error");
         EXPECT_EQ(DOMFailureOf([&] { WriteBits(document.root, "a", 1, names, 1); }), "0: Memory error");
     }
+    EXPECT_EQ(Shown(document.root), "");
+}
+
+TEST(TagBuilders, LeaveATagThatIsNotFinishedOutOfTheTree)
+{
+    BarrenDocument document;
+    document.textsToMake = 1;
+    EXPECT_EQ(DOMFailureOf([&] { NewTag(document.root, "a", "x", 1, false, nullptr); }), "0: Memory error");
+    document.textsToMake = 1;
+    EXPECT_EQ(DOMFailureOf([&] { NewTextTag(document.root, u"a", u"x", 1); }), "0: Memory error");
+    EXPECT_EQ(Shown(document.root), "");
+    const BitNames names[] = {{1, "a b"}, {0, nullptr}};
+    EXPECT_THROW(WriteBits(document.root, "a", 1, names, 1), xercesc_3_0::DOMException);
     EXPECT_EQ(Shown(document.root), "");
 }
 

@@ -39,13 +39,22 @@ TEST(GetTagText, GivesTheTextWithoutWhiteSpaceAroundIt)
 
 TEST(GetTagText, ExpectsOneTextNode)
 {
-    for (const char* xml : {"\n<n/>", "\n<n>1<!--c--></n>", "\n<n><!--c-->1</n>", "\n<n><a/></n>",
-                            "\n<n><![CDATA[1]]></n>", "\n<n>1<a/></n>"})
+    for (const char* xml :
+         {"\n<n/>", "\n<n>1<!--c--></n>", "\n<n><!--c-->1</n>", "\n<n><a/></n>", "\n<n><![CDATA[1]]></n>",
+          "\n<n>1<a/></n>", "<!DOCTYPE n [<!ENTITY e '1'>]>\n<n>&e;</n>"})
     {
         const Tree tree(xml);
         EXPECT_EQ(FailureOf([&] { GetTagText(tree.root); }), "One text node expected in tag 'n' (2)") << xml;
         EXPECT_EQ(FailureOf([&] { GetTagTextU(tree.root); }), "One text node expected in tag 'n' (2)") << xml;
     }
+}
+
+TEST(GetTagText, ExpectsTextThatIsNotSplit)
+{
+    const Tree tree("<n>1</n>");
+    tree.root->appendChild(tree.document->createTextNode(u"2"));
+    EXPECT_EQ(FailureOf([&] { GetTagText(tree.root); }), "One text node expected in tag 'n' (1)");
+    EXPECT_EQ(FailureOf([&] { GetTagTextU(tree.root); }), "One text node expected in tag 'n' (1)");
 }
 
 TEST(GetTagText, ConvertsStrictly)
@@ -172,6 +181,14 @@ TEST(GetCDATANode, GivesCRLFAndItsUnicodeFormLF)
     EXPECT_EQ(Taken(GetCDATANodeU(tree.root)), u"\na\nb\n");
 }
 
+TEST(GetCDATANode, PutsACarriageReturnBeforeEveryLineFeedAlsoBehindAnother)
+{
+    const Tree tree("<s/>");
+    tree.root->appendChild(tree.document->createCDATASection(u"a\r\nb\r"));
+    EXPECT_EQ(Taken(GetCDATANode(tree.root)), "a\r\r\nb\r");
+    EXPECT_EQ(Taken(GetCDATANodeU(tree.root)), u"a\r\nb\r");
+}
+
 TEST(GetCDATANode, FailsWithoutASection)
 {
     for (const char* xml : {"\n<s/>", "\n<s>t<!--c--></s>"})
@@ -194,6 +211,8 @@ TEST(GetCDATANode, FailsAtAnyOtherNode)
     const Tree tree("<s>\n\n<a/><![CDATA[a]]></s>");
     EXPECT_EQ(FailureOf([&] { GetCDATANode(tree.root); }), "Unexpected XML node in tag 's' (3)");
     EXPECT_EQ(FailureOf([&] { GetCDATANodeU(tree.root); }), "Unexpected XML node in tag 's' (3)");
+    const Tree reference("<!DOCTYPE s [<!ENTITY e 't'>]><s>\n&e;<![CDATA[a]]></s>");
+    EXPECT_EQ(FailureOf([&] { GetCDATANodeU(reference.root); }), "Unexpected XML node in tag 's' (2)");
     const Tree instruction("<s><![CDATA[a]]><?p d?></s>");
     EXPECT_EQ(FailureOf([&] { GetCDATANode(instruction.root); }), "Unexpected XML node in tag 's' (0)");
 }
