@@ -10,8 +10,7 @@
 ///
 /// `bool valuetostr(T value, UniChar* buffer, size_t bufferLength)` writes the decimal text of `value` and a
 /// terminating zero; `float` and `double` as the shortest text that reads back as the same value. It gives
-/// false, with the buffer untouched, where the text does not fit, and for infinities and NaN, which have no
-/// text.
+/// false, with the buffer untouched, where the text does not fit, and for infinities and NaN.
 ///
 /// Both exist for every T of NUV_FOR_EACH_NUMBER_TYPE.
 #pragma once

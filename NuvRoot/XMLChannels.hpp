@@ -143,8 +143,7 @@ class NUVROOT_API XMLOChannel
     virtual ErrorStatus GetErrorStatus() = 0;
     virtual void ClearErrorStatus() = 0;
 
-    // Forms that are not virtual: `long` attributes, and text literals, which would otherwise become a
-    // `bool`.
+    // Forms that are not virtual: `long` attributes, and text literals, which would become a `bool`.
 
     int WriteXMLAttr(const char* name, unsigned long value)
     {

@@ -27,8 +27,7 @@ class NUVXMLUTILS_API LocationBinInputStream : public xercesc_3_0::BinInputStrea
 
     /// Reads up to `maxToRead` bytes and gives their number, 0 at the end of the file.
     /// @throws xercesc_3_0::XMLPlatformUtilsException (File_CouldNotReadFromFile) when the file is not open
-    /// or
-    ///         reading fails
+    ///         or cannot be read
     XMLSize_t readBytes(XMLByte* toFill, XMLSize_t maxToRead) override;
 
     /// Null: the type is not known.

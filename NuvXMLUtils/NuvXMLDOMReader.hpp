@@ -43,8 +43,7 @@ class NUVXMLUTILS_API DOMReaderException : public Nuv::RunTimeErrorException
 class NUVXMLUTILS_API DOMReader : public Nuv::XMLIChannel
 {
   public:
-    /// Parses `size` bytes of XML text, which are not needed afterwards. Stands on the start of the root
-    /// element.
+    /// Parses `size` bytes of XML text, not needed afterwards. Stands on the start of the root element.
     /// @throws DOMReaderException "Parsing XML from memory failed."
     /// @throws Nuv::OutOfMemoryException
     DOMReader(const unsigned char* buffer, unsigned int size);
@@ -57,8 +56,7 @@ class NUVXMLUTILS_API DOMReader : public Nuv::XMLIChannel
     /// Reads the caller's tree from the start of `element`, which must outlive the reader.
     explicit DOMReader(xercesc_3_0::DOMElement* element);
 
-    /// Copies share the document, and each of the two would release it: copy only readers over a caller's
-    /// element.
+    /// Copies share the document, and each would release it: copy only readers over a caller's element.
     DOMReader(const DOMReader&);
     DOMReader& operator=(const DOMReader&);
 

@@ -10,9 +10,7 @@
 /// or CreateXMLIChannel:
 /// - "Not enough memory in ..."
 /// - "NuvXML DOMBuilderException": the document could not be made
-/// - "NuvXML DOMReaderException": the text could not be read, be it that the file is missing or that the text
-/// is
-///   not well-formed XML
+/// - "NuvXML DOMReaderException": the file is missing, or the text is not well-formed XML
 /// - "Xercesc DOMException"
 /// - "Unkonwn Exception in ..."
 ///

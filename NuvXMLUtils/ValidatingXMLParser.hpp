@@ -47,8 +47,7 @@ class NUVXMLUTILS_API ValidatingXMLParser
     /// Parses a file. The first error ends the parse, a warning does not. The messages are Xerces', or
     /// "Failed to parse XML document".
     /// @param scheme when to validate, while no schema is loaded
-    /// @param createEntityRefNodes whether entity references become nodes of their own, which hold the
-    /// content
+    /// @param createEntityRefNodes whether entity references become nodes, with the content below
     /// @param nodeLocations is filled with the line of each element, text, comment and entity reference
     xercesc_3_0::DOMDocument* Parse(const IO::Location& file, ValSchemes scheme, bool createEntityRefNodes,
                                     NodeLocations* nodeLocations, NodeLocationInfo* errorLocation,
@@ -80,8 +79,7 @@ class NUVXMLUTILS_API ValidatingXMLParser
     bool HasParser();
     void HandleUnknownFailure();
 
-    /// Null when Xerces is not running and after lack of memory, which leaves a parser of Xerces unfit for
-    /// use.
+    /// Null when Xerces is not running, and after lack of memory, which leaves a parser unfit for use.
     std::unique_ptr<LineInfoParser> parser;
 
     bool ranOutOfMemory = false;
