@@ -1,6 +1,7 @@
 #include "CompareSupport.hpp"
 
 #include "NuvRoot/Exceptions.hpp"
+#include "tests/support/VirtualSlots.hpp"
 
 #include <xercesc/dom/DOMEntityReference.hpp>
 
@@ -518,6 +519,153 @@ TEST(ControlNodeComparison, ComparesThePairWhereverOptionsLeaveTheWalkers)
     EXPECT_NO_THROW(compare(left, left));
 }
 
+/// Looks ahead like LookingAhead, but then fails.
+class FailingAhead : public LookingAhead
+{
+  public:
+    using LookingAhead::LookingAhead;
+
+  protected:
+    FailingAhead* Clone() const override { return new FailingAhead(*this); }
+    XMLNodeComparator* PrepareNodeComparator(const DOMElement* left, const DOMElement* right) override
+    {
+        delete LookingAhead::PrepareNodeComparator(left, right);
+        throw NodeNamesDontMatchException(left, right);
+    }
+    XMLValueComparator* GetValueComparator() const override
+    {
+        delete LookingAhead::GetValueComparator();
+        throw XMLCompareException();
+    }
+};
+
+TEST(ControlNodeComparison, LeavesTheWalkersOnThePairWhenOptionsMoveThemAndThrow)
+{
+    const Document left = Parse("<a><b><c/><d/></b>t<e/></a>");
+    const Document right = Parse("<a><b><c/><d/></b>t<e/></a>");
+    DOMTreeWalker* const leftWalker = NewWalker(left);
+    DOMTreeWalker* const rightWalker = NewWalker(right);
+    const Nuv::Ref<FailingAhead> options(new FailingAhead(*leftWalker, *rightWalker));
+    std::vector<Nuv::UniString> stops;
+    GoingOn(stops).CompareNodes(leftWalker, rightWalker, *options);
+    EXPECT_EQ(stops, (std::vector<Nuv::UniString>{u"b", u"#text", u"e"}));
+}
+
+// Walkers and filters of a caller.
+
+/// Notes the nodes that it is asked about; accepts all of them.
+class NotingFilter : public DOMNodeFilter
+{
+  public:
+    FilterAction acceptNode(const DOMNode* node) const override
+    {
+        asked.push_back(node->getNodeName());
+        return FILTER_ACCEPT;
+    }
+
+    mutable std::vector<Nuv::UniString> asked;
+};
+
+TEST(XMLCompareStrictOrder, AsksACallersFilterAboutTheParentOfEachLastChild)
+{
+    NotingFilter filter;
+    const Document document = Parse("<a><b>x</b></a>");
+    Compare(document, document, Standard(), &filter);
+    const std::vector<Nuv::UniString> expected{
+        u"b",     u"b",     // the first children of a
+        u"#text", u"#text", // the first children of b
+        u"b",     u"b",     // after the text
+        u"a",     u"a",     // after b
+    };
+    EXPECT_EQ(filter.asked, expected);
+}
+
+/// Hides the elements named b, but not what is in them.
+class SkippingB : public SkipWhitespaceTextsCompareFilter
+{
+  public:
+    FilterAction acceptNode(const DOMNode* node) const override
+    {
+        return Nuv::UniString(node->getNodeName()) == u"b" ? FILTER_SKIP : FILTER_ACCEPT;
+    }
+};
+
+void CompareFirstChildren(const Document& left, const Document& right, DOMNodeFilter* filter,
+                          DOMNodeFilter::ShowType show = DOMNodeFilter::SHOW_ALL)
+{
+    const auto walkerFor = [&](const Document& document)
+    {
+        DOMElement* const root = document->getDocumentElement();
+        DOMTreeWalker* const walker = document->createTreeWalker(root, show, filter, false);
+        walker->setCurrentNode(root->getFirstChild());
+        return walker;
+    };
+    const Nuv::Ref<Standard> options(new Standard);
+    XMLCompareStrictOrder().CompareNodes(walkerFor(left), walkerFor(right), *options);
+}
+
+TEST(XMLCompareStrictOrder, GoesOnBehindAPairThatTheWalkersDoNotShow)
+{
+    const Document one = Parse("<a><b>x</b>y</a>");
+    const Document other = Parse("<a><b>x</b>z</a>");
+    SkippingB filter;
+    EXPECT_THROW(CompareFirstChildren(one, other, &filter), TextNodeValuesDontMatchException);
+    EXPECT_THROW(CompareFirstChildren(one, other, nullptr, DOMNodeFilter::SHOW_TEXT),
+                 TextNodeValuesDontMatchException);
+    EXPECT_NO_THROW(CompareFirstChildren(one, other, nullptr));
+    EXPECT_NO_THROW(CompareFirstChildren(one, one, &filter));
+}
+
+/// A walker of a caller, which shows `appendix` behind the last child of every element.
+class WalkerWithAppendix : public DOMTreeWalker
+{
+  public:
+    WalkerWithAppendix(DOMTreeWalker& ordinary, DOMNode* behindLastChild)
+        : walker(ordinary)
+        , appendix(behindLastChild)
+    {
+    }
+
+    DOMNode* getRoot() override { return walker.getRoot(); }
+    DOMNodeFilter::ShowType getWhatToShow() override { return walker.getWhatToShow(); }
+    DOMNodeFilter* getFilter() override { return walker.getFilter(); }
+    bool getExpandEntityReferences() override { return walker.getExpandEntityReferences(); }
+    DOMNode* getCurrentNode() override { return walker.getCurrentNode(); }
+    void setCurrentNode(DOMNode* node) override { walker.setCurrentNode(node); }
+    DOMNode* parentNode() override { return walker.parentNode(); }
+    DOMNode* firstChild() override { return walker.firstChild(); }
+    DOMNode* lastChild() override { return walker.lastChild(); }
+    DOMNode* previousSibling() override { return walker.previousSibling(); }
+    DOMNode* nextSibling() override
+    {
+        if (walker.getCurrentNode() == appendix)
+            return nullptr;
+        if (DOMNode* const sibling = walker.nextSibling())
+            return sibling;
+        walker.setCurrentNode(appendix);
+        return appendix;
+    }
+    DOMNode* previousNode() override { return walker.previousNode(); }
+    DOMNode* nextNode() override { return walker.nextNode(); }
+    void release() override {}
+
+  private:
+    DOMTreeWalker& walker;
+    DOMNode* appendix;
+};
+
+TEST(XMLCompareStrictOrder, FollowsAWalkerOfTheCaller)
+{
+    const Document document = Parse("<a>x</a>");
+    WalkerWithAppendix left(*NewWalker(document), document->createTextNode(u"1"));
+    WalkerWithAppendix same(*NewWalker(document), document->createTextNode(u"1.0"));
+    WalkerWithAppendix other(*NewWalker(document), document->createTextNode(u"2"));
+    const Nuv::Ref<Standard> options(new Standard);
+    EXPECT_NO_THROW(XMLCompareStrictOrder().CompareNodes(&left, &same, *options));
+    EXPECT_THROW(XMLCompareStrictOrder().CompareNodes(&left, &other, *options),
+                 TextNodeValuesDontMatchException);
+}
+
 // Options of a caller.
 
 /// What all clones of one object share: a log of the calls, and which of them throws.
@@ -696,6 +844,19 @@ TEST(CallersOptions, DieWithTheFirstPairOfChildrenWhenNobodyHoldsThem)
     auto* const options = new WatchedOptions(calls, false);
     XMLCompareStrictOrder().CompareNodes(NewWalker(document), NewWalker(document), *options);
     EXPECT_EQ(calls.alive, 0);
+}
+
+// Slots.
+
+class WithWalkThrough : public XMLCompareStrictOrder
+{
+  public:
+    void WalkThrough() override {}
+};
+
+TEST(XMLNodeComparator, HasWalkThroughBeforeItsDestructor)
+{
+    EXPECT_EQ(NuvTest::SlotOf(&WithWalkThrough::WalkThrough), 0u);
 }
 
 // Copies.
