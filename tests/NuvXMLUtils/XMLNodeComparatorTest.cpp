@@ -123,6 +123,35 @@ TEST(DoXMLCompare, ComparesTextNodesAsRoots)
     EXPECT_THROW(compare(u"1", u"2", AttrRuledCompareOptions()), TextNodeValuesDontMatchException);
 }
 
+/// Looks at the walkers that it is given, and at nothing else.
+class WalkerWatcher : public XMLNodeComparator
+{
+  public:
+    DOMTreeWalker* Left() const { return LeftWalker(); }
+    DOMTreeWalker* Right() const { return RightWalker(); }
+
+  private:
+    void WalkThrough() override {}
+};
+
+TEST(DoXMLCompare, MakesWalkersThatShowEverythingBelowTheRootsAndStayWithTheDocuments)
+{
+    const Document left = Parse("<a/>");
+    const Document right = Parse("<a/>");
+    SkipWhitespaceTextsCompareFilter filter;
+    WalkerWatcher comparator;
+    DoXMLCompare(left.get(), right.get(), &comparator, &filter, Standard());
+    EXPECT_EQ(comparator.Left()->getRoot(), left->getDocumentElement());
+    EXPECT_EQ(comparator.Right()->getRoot(), right->getDocumentElement());
+    for (DOMTreeWalker* const walker : {comparator.Left(), comparator.Right()})
+    {
+        EXPECT_EQ(walker->getWhatToShow(), DOMNodeFilter::SHOW_ALL);
+        EXPECT_EQ(walker->getFilter(), &filter);
+        EXPECT_FALSE(walker->getExpandEntityReferences());
+        EXPECT_EQ(walker->getCurrentNode(), walker->getRoot());
+    }
+}
+
 // Each difference, with its report, for both sides.
 
 TEST(DoXMLCompare, ReportsADocumentWithoutAnElement)
@@ -332,6 +361,23 @@ TEST(CompareAttributes, LooksAtAnAttributeOfTheRightThatWasAcceptedOnNeitherSide
     EXPECT_THROW(Compare("<a k='yes'/>", "<a k='no'/>", AcceptingYes()), AttributesDontMatchException);
 }
 
+TEST(CompareAttributes, ChoosesTheComparatorByTheLeftAttribute)
+{
+    // Takes numbers for text when the attribute says so.
+    class TextOnRequest : public Standard
+    {
+        TextOnRequest* Clone() const override { return new TextOnRequest(*this); }
+        XMLValueComparator* GetAttributeValueComparator(const DOMAttr* attribute) const override
+        {
+            if (Nuv::UniString(attribute->getValue()) == u"1.0")
+                return new XMLCompareString;
+            return new XMLCompareAuto;
+        }
+    };
+    EXPECT_NO_THROW(Compare("<a k='1'/>", "<a k='1.0'/>", TextOnRequest()));
+    EXPECT_THROW(Compare("<a k='1.0'/>", "<a k='1'/>", TextOnRequest()), AttributesDontMatchException);
+}
+
 TEST(CompareAttributes, TakesAnAttributeWithoutTextForAnEmptyOne)
 {
     const Document byHand = Parse("<a/>");
@@ -517,6 +563,8 @@ TEST(ControlNodeComparison, ComparesThePairWhereverOptionsLeaveTheWalkers)
     };
     EXPECT_THROW(compare(left, right), TextNodeValuesDontMatchException);
     EXPECT_NO_THROW(compare(left, left));
+    const Document otherName = Parse("<a><z><c>x</c><d/></z>t<e>1</e></a>");
+    EXPECT_THROW(compare(left, otherName), NodeNamesDontMatchException) << "only the last children are equal";
 }
 
 /// Looks ahead like LookingAhead, but then fails.
@@ -797,6 +845,37 @@ TEST(CallersOptions, MakeEveryDecision)
                              "PrepareNodeComparator", "AreNodeNamesEqual",                          //
                              "GetValueComparator", "GetDoubleEps", "CompareSpecialTypeNodes"}));
     EXPECT_EQ(calls.alive, 0);
+}
+
+TEST(CallersOptions, AreGivenEachPairOfElementsLeftFirst)
+{
+    class Noting : public Standard
+    {
+      public:
+        explicit Noting(std::vector<const DOMNode*>& notes)
+            : given(notes)
+        {
+        }
+
+      protected:
+        Noting* Clone() const override { return new Noting(*this); }
+        XMLNodeComparator* PrepareNodeComparator(const DOMElement* left, const DOMElement* right) override
+        {
+            given.insert(given.end(), {left, right});
+            return new XMLCompareStrictOrder;
+        }
+
+      private:
+        std::vector<const DOMNode*>& given;
+    };
+    const Document left = Parse("<a><b/></a>");
+    const Document right = Parse("<a><b/></a>");
+    std::vector<const DOMNode*> given;
+    Compare(left, right, Noting(given));
+    const DOMNode* const leftRoot = left->getDocumentElement();
+    const DOMNode* const rightRoot = right->getDocumentElement();
+    EXPECT_EQ(given, (std::vector<const DOMNode*>{leftRoot, rightRoot, leftRoot->getFirstChild(),
+                                                  rightRoot->getFirstChild()}));
 }
 
 TEST(CallersOptions, AreClonedOnceWhenTheyDoNotChange)
