@@ -5,12 +5,13 @@
 
 #include <xercesc/dom/DOMNode.hpp>
 #include <xercesc/dom/DOMText.hpp>
+#include <xercesc/dom/impl/DOMTextImpl.hpp>
 
-#include <atomic>
 #include <typeinfo>
 
 using xercesc_3_0::DOMNode;
 using xercesc_3_0::DOMText;
+using xercesc_3_0::DOMTextImpl;
 
 namespace NuvXML
 {
@@ -24,18 +25,10 @@ bool IsBlank(std::u16string_view text)
     return start == std::u16string_view::npos || Nuv::Trimmed(text.substr(start)).empty();
 }
 
-/// Whether a node of text type is a text node of Xerces. A cast takes long, and text nodes are nearly always
-/// of the same class, so the class that was seen last is looked at first.
+/// A cast takes long, so the class of nearly all text nodes is looked at first.
 bool IsDOMText(const DOMNode& node)
 {
-    static std::atomic<const std::type_info*> lastSeen;
-    const std::type_info* const type = &typeid(node);
-    if (type == lastSeen.load(std::memory_order_relaxed))
-        return true;
-    if (!dynamic_cast<const DOMText*>(&node))
-        return false;
-    lastSeen.store(type, std::memory_order_relaxed);
-    return true;
+    return typeid(node) == typeid(DOMTextImpl) || dynamic_cast<const DOMText*>(&node);
 }
 
 } // namespace

@@ -45,7 +45,7 @@ class NUVXMLUTILS_API IXMLCompareOptions : public Nuv::SharedObject
 
   public:
     /// The absolute difference that numbers stay below when they are equal; 0 asks for identical numbers, a
-    /// negative value lets none be equal.
+    /// negative value lets none be equal. Asked for any two values, whether they are numbers or not.
     virtual double GetDoubleEps() const = 0;
 
   protected:

@@ -3,6 +3,7 @@
 #include "NuvRoot/Containers.hpp"
 #include "NuvRoot/Exceptions.hpp"
 #include "NuvRoot/SharedObject.hpp"
+#include "NuvXMLUtils/SkipWhitespaceTextsCompareFilter.hpp"
 #include "NuvXMLUtils/TextView.hpp"
 #include "NuvXMLUtils/XMLCompareException.hpp"
 #include "NuvXMLUtils/XMLCompareOptions.hpp"
@@ -10,17 +11,21 @@
 
 #include <xercesc/dom/DOMNamedNodeMap.hpp>
 #include <xercesc/dom/DOMText.hpp>
+#include <xercesc/dom/impl/DOMTreeWalkerImpl.hpp>
 #include <xercesc/util/XMLString.hpp>
 
 #include <memory>
 #include <string_view>
+#include <typeinfo>
 
 using xercesc_3_0::DOMAttr;
 using xercesc_3_0::DOMElement;
 using xercesc_3_0::DOMNamedNodeMap;
 using xercesc_3_0::DOMNode;
+using xercesc_3_0::DOMNodeFilter;
 using xercesc_3_0::DOMText;
 using xercesc_3_0::DOMTreeWalker;
+using xercesc_3_0::DOMTreeWalkerImpl;
 using xercesc_3_0::XMLString;
 
 namespace NuvXML
@@ -41,7 +46,9 @@ class PositionKeeper
     }
     PositionKeeper(const PositionKeeper&) = delete;
     PositionKeeper& operator=(const PositionKeeper&) = delete;
-    ~PositionKeeper()
+    ~PositionKeeper() { Restore(); }
+
+    void Restore() const
     {
         leftWalker.setCurrentNode(leftNode);
         rightWalker.setCurrentNode(rightNode);
@@ -135,12 +142,21 @@ bool AreElementAndText(const DOMNode* left, const DOMNode* right)
            (leftType == DOMNode::TEXT_NODE && rightType == DOMNode::ELEMENT_NODE);
 }
 
-/// What `walker.nextSibling()` gives on `child`. At the last child a walker asks the parent and the filter
-/// whether children of further nodes follow, which takes as long as the rest of the pair. The only child of
-/// an element, such as its text, needs no asking.
+/// Whether nothing of a caller decides what a walker shows, and it shows every element.
+bool ShowsEveryElement(DOMTreeWalker& walker)
+{
+    if (typeid(walker) != typeid(DOMTreeWalkerImpl) || walker.getWhatToShow() != DOMNodeFilter::SHOW_ALL)
+        return false;
+    const DOMNodeFilter* const filter = walker.getFilter();
+    return !filter || typeid(*filter) == typeid(SkipWhitespaceTextsCompareFilter);
+}
+
+/// What `walker.nextSibling()` gives on `child`. At the last child a walker asks the filter whether it skips
+/// the parent, behind which it would go on. To get there takes as long as the rest of the pair, and it is not
+/// needed for an only child, such as the text of an element, when elements are never skipped.
 const DOMNode* NextSibling(DOMTreeWalker& walker, const DOMNode* child, const DOMNode* parent)
 {
-    if (child == parent->getFirstChild() && !child->getNextSibling())
+    if (child == parent->getFirstChild() && !child->getNextSibling() && ShowsEveryElement(walker))
         return nullptr;
     return walker.nextSibling();
 }
@@ -175,8 +191,9 @@ void XMLNodeComparator::CompareNodes(DOMTreeWalker* left, DOMTreeWalker* right, 
 
 void XMLNodeComparator::ControlNodeComparison()
 {
-    DOMNode* const left = leftWalker->getCurrentNode();
-    DOMNode* const right = rightWalker->getCurrentNode();
+    const PositionKeeper pair(*leftWalker, *rightWalker);
+    const DOMNode* const left = pair.LeftNode();
+    const DOMNode* const right = pair.RightNode();
     switch (KindOf(left, right))
     {
     case PairKind::Texts:
@@ -189,7 +206,7 @@ void XMLNodeComparator::ControlNodeComparison()
                                                                      : optionsInForce);
         const std::unique_ptr<XMLNodeComparator> comparator(childOptions->PrepareNodeComparator(
             static_cast<const DOMElement*>(left), static_cast<const DOMElement*>(right)));
-        StandOn(left, right);
+        pair.Restore();
         comparator->CompareNodes(leftWalker, rightWalker, *childOptions);
         break;
     }
@@ -197,13 +214,6 @@ void XMLNodeComparator::ControlNodeComparison()
         CompareOtherNodes(left, right);
         break;
     }
-    StandOn(left, right);
-}
-
-void XMLNodeComparator::StandOn(DOMNode* left, DOMNode* right) const
-{
-    leftWalker->setCurrentNode(left);
-    rightWalker->setCurrentNode(right);
 }
 
 void XMLNodeComparator::CompareTexts(const DOMText* left, const DOMText* right) const

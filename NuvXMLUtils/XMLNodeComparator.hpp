@@ -62,7 +62,6 @@ class NUVXMLUTILS_API XMLNodeComparator
     const xercesc_3_0::DOMNode* RightNode() const { return rightNode; }
 
   private:
-    void StandOn(xercesc_3_0::DOMNode* left, xercesc_3_0::DOMNode* right) const;
     void CompareTexts(const xercesc_3_0::DOMText* left, const xercesc_3_0::DOMText* right) const;
     void CompareOtherNodes(const xercesc_3_0::DOMNode* left, const xercesc_3_0::DOMNode* right) const;
 

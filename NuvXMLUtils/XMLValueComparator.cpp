@@ -5,6 +5,7 @@
 #include "NuvXMLUtils/XMLCompareOptions.hpp"
 
 #include <cmath>
+#include <optional>
 
 using xercesc_3_0::DOMText;
 
@@ -23,10 +24,20 @@ bool AreTextsEqual(std::u16string_view left, std::u16string_view right)
     return Nuv::EqualIgnoringCase(Nuv::Trimmed(left), Nuv::Trimmed(right));
 }
 
-bool IsWithinEpsilon(double difference, const IXMLCompareOptions* options)
+/// Nothing unless both texts are numbers.
+std::optional<double> DistanceBetween(std::u16string_view left, std::u16string_view right)
+{
+    double leftNumber = 0.0;
+    double rightNumber = 0.0;
+    if (!Nuv::strtovalue(left, leftNumber) || !Nuv::strtovalue(right, rightNumber))
+        return std::nullopt;
+    return std::fabs(leftNumber - rightNumber);
+}
+
+bool IsWithinEpsilon(double distance, const IXMLCompareOptions* options)
 {
     const double epsilon = options ? options->GetDoubleEps() : 0.0;
-    return epsilon == 0.0 ? difference == 0.0 : epsilon > difference;
+    return epsilon == 0.0 ? distance == 0.0 : epsilon > distance;
 }
 
 } // namespace
@@ -77,25 +88,20 @@ bool XMLCompareInt::IsEqual() const
 
 bool XMLCompareDouble::IsEqual() const
 {
-    double left = 0.0;
-    double right = 0.0;
-    return Nuv::strtovalue(LeftValue(), left) && Nuv::strtovalue(RightValue(), right) &&
-           IsWithinEpsilon(std::fabs(left - right), GetOptions());
+    const std::optional<double> distance = DistanceBetween(LeftValue(), RightValue());
+    return distance && IsWithinEpsilon(*distance, GetOptions());
 }
 
 bool XMLCompareAuto::IsEqual() const
 {
-    const std::u16string_view leftValue = LeftValue();
-    const std::u16string_view rightValue = RightValue();
-    // Identical texts are numbers whose difference is 0, or equal strings: nothing to parse, unless the
-    // epsilon lets no difference pass at all.
-    if (leftValue == rightValue && IsWithinEpsilon(0.0, GetOptions()))
+    const std::u16string_view left = LeftValue();
+    const std::u16string_view right = RightValue();
+    // Identical texts are numbers whose distance is 0, or equal strings: nothing to parse, unless the
+    // epsilon lets no distance pass at all.
+    if (left == right && IsWithinEpsilon(0.0, GetOptions()))
         return true;
-    double left = 0.0;
-    double right = 0.0;
-    if (Nuv::strtovalue(leftValue, left) && Nuv::strtovalue(rightValue, right))
-        return IsWithinEpsilon(std::fabs(left - right), GetOptions());
-    return AreTextsEqual(leftValue, rightValue);
+    const std::optional<double> distance = DistanceBetween(left, right);
+    return distance ? IsWithinEpsilon(*distance, GetOptions()) : AreTextsEqual(left, right);
 }
 
 } // namespace NuvXML

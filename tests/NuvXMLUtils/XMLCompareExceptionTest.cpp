@@ -134,6 +134,10 @@ TEST(AttributeMissingException, TellsTheAttributeAndTheSideThatLacksIt)
     const AttributeMissingException onLeft(documents.LeftB(), documents.RightD(), documents.RightK(), Left);
     EXPECT_EQ(onLeft.GetText(), u"Diff at nodes:\n\t- a/b\n\t- c/d\n\tMissing attribute \"k\" on the left.");
     EXPECT_EQ(onLeft.GetWhereItIsMissing(), Left);
+    const AttributeMissingException onOther(documents.LeftB(), documents.RightD(), documents.LeftK(),
+                                            OtherThanLeft);
+    EXPECT_EQ(onOther.GetText(), onRight.GetText());
+    EXPECT_EQ(onOther.GetWhereItIsMissing(), OtherThanLeft);
 }
 
 TEST(AttributesDontMatchException, TellsTheAttributeAndBothValues)
@@ -147,6 +151,17 @@ TEST(AttributesDontMatchException, TellsTheAttributeAndBothValues)
     EXPECT_EQ(difference.GetAttributeValue(Left), u"1");
     EXPECT_EQ(difference.GetAttributeValue(Right), u"2");
     EXPECT_EQ(difference.GetAttributeValue(OtherThanLeft), u"2");
+}
+
+TEST(AttributesDontMatchException, TakesTheNameOfTheLeftAttribute)
+{
+    const TwoDocuments documents;
+    DOMAttr* const other = documents.right->createAttribute(u"other");
+    other->setValue(u"3");
+    const AttributesDontMatchException difference(documents.LeftB(), documents.RightD(), documents.LeftK(),
+                                                  other);
+    EXPECT_EQ(difference.GetAttributeName(), u"k");
+    EXPECT_EQ(difference.GetAttributeValue(Right), u"3");
 }
 
 TEST(NodeNamesDontMatchException, TellsBothNodes)
@@ -198,9 +213,10 @@ TEST(OneNodeHasMoreChildrenThanTheOtherException, TellsTheSideWithMoreChildren)
     EXPECT_EQ(textFor(Right),
               u"Diff at nodes:\n\t- a/b\n\t- c/d\n\tThe node on the right has more children.");
     EXPECT_EQ(textFor(OtherThanLeft), textFor(Right));
-    EXPECT_EQ(OneNodeHasMoreChildrenThanTheOtherException(documents.LeftB(), documents.RightD(), Right)
-                  .GetWhichHasMoreChildren(),
-              Right);
+    for (const Side side : {Left, Right, OtherThanLeft})
+        EXPECT_EQ(OneNodeHasMoreChildrenThanTheOtherException(documents.LeftB(), documents.RightD(), side)
+                      .GetWhichHasMoreChildren(),
+                  side);
 }
 
 TEST(OneNodeIsElementOneIsTextException, TellsTheTextWhicheverSideItIsOn)

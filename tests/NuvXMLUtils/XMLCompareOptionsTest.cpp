@@ -177,12 +177,28 @@ TEST(AttrRuledCompareOptions, KeepsTheCurrentValueTypeInItsClone)
     EXPECT_TRUE(IsA<XMLCompareInt>(copy.GetValueComparator()));
 }
 
+TEST(AttrRuledCompareOptions, KeepsTheCurrentValueTypeWhereMarkersDisagreeOrAreMissing)
+{
+    const Document asInt = Parse("<e nuv_type='int'/>");
+    const Document asDouble = Parse("<e nuv_type='double'/>");
+    const Document unmarked = Parse("<e/>");
+    ExposedRuled options;
+    const auto take = [&](const Document& left, const Document& right)
+    { options.SetCurrentValueType(left->getDocumentElement(), right->getDocumentElement()); };
+    take(asInt, asInt);
+    take(asDouble, asInt);
+    EXPECT_TRUE(IsA<XMLCompareInt>(options.GetValueComparator()));
+    take(unmarked, unmarked);
+    EXPECT_TRUE(IsA<XMLCompareInt>(options.GetValueComparator()));
+}
+
 TEST(AttrRuledCompareOptions, ChoosesTheComparatorByTheTypeMarkerInAnyCase)
 {
     EXPECT_TRUE(IsComparedBy<XMLCompareInt>("nuv_type='int'", "nuv_type='INT'"));
     EXPECT_TRUE(IsComparedBy<XMLCompareDouble>("nuv_type='double'", "nuv_type='DOUBLE'"));
     EXPECT_TRUE(IsComparedBy<XMLCompareString>("nuv_type='String'", "nuv_type='string'"));
     EXPECT_TRUE(IsComparedBy<XMLCompareAuto>("nuv_type='date'", "nuv_type='date'"));
+    EXPECT_TRUE(IsComparedBy<XMLCompareAuto>("nuv_type=' string '", "nuv_type=' string '"));
     EXPECT_TRUE(IsComparedBy<XMLCompareAuto>("nuv_type=''", "nuv_type=''"));
     EXPECT_TRUE(IsComparedBy<XMLCompareAuto>("", ""));
 }

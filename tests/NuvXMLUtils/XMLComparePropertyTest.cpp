@@ -359,6 +359,98 @@ TEST_P(GeneratedDocuments, WithSeveralDifferencesAreToldApartByTheFirst)
     }
 }
 
+/// Pairs children in document order by the walkers alone, at every level.
+class PlainOrder : public XMLNodeComparator
+{
+    void WalkThrough() override
+    {
+        const DOMNode* left = LeftWalker()->firstChild();
+        const DOMNode* right = RightWalker()->firstChild();
+        for (; left && right; left = LeftWalker()->nextSibling(), right = RightWalker()->nextSibling())
+            ControlNodeComparison();
+        if (left || right)
+            throw OneNodeHasMoreChildrenThanTheOtherException(
+                LeftNode(), RightNode(), left ? CompareTests::Left : CompareTests::Right);
+    }
+};
+
+class PlainOrderOptions : public StrictOrderAutoValueCompareOptions
+{
+    PlainOrderOptions* Clone() const override { return new PlainOrderOptions(*this); }
+    XMLNodeComparator* PrepareNodeComparator(const DOMElement*, const DOMElement*) override
+    {
+        return new PlainOrder;
+    }
+};
+
+/// Decides by the first letter of a name, and notes every node that it is asked about.
+class LetterFilter : public DOMNodeFilter
+{
+  public:
+    explicit LetterFilter(size_t letter)
+        : skipped(static_cast<XMLCh>(u'a' + letter))
+        , rejected(static_cast<XMLCh>(skipped + 1))
+    {
+    }
+
+    FilterAction acceptNode(const DOMNode* node) const override
+    {
+        asked.push_back(node);
+        const XMLCh letter = node->getNodeName()[0];
+        if (letter == rejected)
+            return FILTER_REJECT;
+        return letter == skipped ? FILTER_SKIP : FILTER_ACCEPT;
+    }
+
+    mutable std::vector<const DOMNode*> asked;
+
+  private:
+    XMLCh skipped;
+    XMLCh rejected;
+};
+
+/// The report of the difference, or nothing.
+Nuv::UniString ReportOf(const Document& left, const Document& right, XMLNodeComparator&& comparator,
+                        DOMNodeFilter* filter, const IXMLCompareOptions& options)
+{
+    try
+    {
+        DoXMLCompare(left.get(), right.get(), &comparator, filter, options);
+    }
+    catch (const XMLCompareException& difference)
+    {
+        return difference.GetText();
+    }
+    return {};
+}
+
+TEST_P(GeneratedDocuments, AreWalkedThroughAsByTheWalkersAlone)
+{
+    Generator generator(GetParam());
+    for (int i = 0; i < PairsForASeed; ++i)
+    {
+        const Tree tree = generator.Element(4);
+        Tree changed = generator.Rewritten(tree);
+        generator.Seed(changed);
+        const Document left = Parse(Written(tree, generator.Random()));
+        const Document right = Parse(Written(changed, generator.Random()));
+        const auto expectSame = [&](DOMNodeFilter* filter, DOMNodeFilter* filterOfPlain)
+        {
+            EXPECT_EQ(
+                ReportOf(left, right, XMLCompareStrictOrder(), filter, StrictOrderAutoValueCompareOptions()),
+                ReportOf(left, right, PlainOrder(), filterOfPlain, PlainOrderOptions()));
+        };
+        SkipWhitespaceTextsCompareFilter withoutBlanks;
+        expectSame(nullptr, nullptr);
+        expectSame(&withoutBlanks, &withoutBlanks);
+        const size_t letter = generator.Below(5);
+        LetterFilter byLetter(letter);
+        LetterFilter byLetterOfPlain(letter);
+        expectSame(&byLetter, &byLetterOfPlain);
+        EXPECT_EQ(byLetter.asked, byLetterOfPlain.asked);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Seeds, GeneratedDocuments, testing::Values(1u, 2u, 3u, 4u));
 
 } // namespace

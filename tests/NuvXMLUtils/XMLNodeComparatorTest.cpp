@@ -1,6 +1,7 @@
 #include "CompareSupport.hpp"
 
 #include "NuvRoot/Exceptions.hpp"
+#include "tests/support/VirtualSlots.hpp"
 
 #include <xercesc/dom/DOMEntityReference.hpp>
 
@@ -120,6 +121,35 @@ TEST(DoXMLCompare, ComparesTextNodesAsRoots)
     EXPECT_NO_THROW(compare(u"1", u"1.0", Standard()));
     EXPECT_NO_THROW(compare(u"1", u"1.0", AttrRuledCompareOptions()));
     EXPECT_THROW(compare(u"1", u"2", AttrRuledCompareOptions()), TextNodeValuesDontMatchException);
+}
+
+/// Looks at the walkers that it is given, and at nothing else.
+class WalkerWatcher : public XMLNodeComparator
+{
+  public:
+    DOMTreeWalker* Left() const { return LeftWalker(); }
+    DOMTreeWalker* Right() const { return RightWalker(); }
+
+  private:
+    void WalkThrough() override {}
+};
+
+TEST(DoXMLCompare, MakesWalkersThatShowEverythingBelowTheRootsAndStayWithTheDocuments)
+{
+    const Document left = Parse("<a/>");
+    const Document right = Parse("<a/>");
+    SkipWhitespaceTextsCompareFilter filter;
+    WalkerWatcher comparator;
+    DoXMLCompare(left.get(), right.get(), &comparator, &filter, Standard());
+    EXPECT_EQ(comparator.Left()->getRoot(), left->getDocumentElement());
+    EXPECT_EQ(comparator.Right()->getRoot(), right->getDocumentElement());
+    for (DOMTreeWalker* const walker : {comparator.Left(), comparator.Right()})
+    {
+        EXPECT_EQ(walker->getWhatToShow(), DOMNodeFilter::SHOW_ALL);
+        EXPECT_EQ(walker->getFilter(), &filter);
+        EXPECT_FALSE(walker->getExpandEntityReferences());
+        EXPECT_EQ(walker->getCurrentNode(), walker->getRoot());
+    }
 }
 
 // Each difference, with its report, for both sides.
@@ -331,6 +361,23 @@ TEST(CompareAttributes, LooksAtAnAttributeOfTheRightThatWasAcceptedOnNeitherSide
     EXPECT_THROW(Compare("<a k='yes'/>", "<a k='no'/>", AcceptingYes()), AttributesDontMatchException);
 }
 
+TEST(CompareAttributes, ChoosesTheComparatorByTheLeftAttribute)
+{
+    // Takes numbers for text when the attribute says so.
+    class TextOnRequest : public Standard
+    {
+        TextOnRequest* Clone() const override { return new TextOnRequest(*this); }
+        XMLValueComparator* GetAttributeValueComparator(const DOMAttr* attribute) const override
+        {
+            if (Nuv::UniString(attribute->getValue()) == u"1.0")
+                return new XMLCompareString;
+            return new XMLCompareAuto;
+        }
+    };
+    EXPECT_NO_THROW(Compare("<a k='1'/>", "<a k='1.0'/>", TextOnRequest()));
+    EXPECT_THROW(Compare("<a k='1.0'/>", "<a k='1'/>", TextOnRequest()), AttributesDontMatchException);
+}
+
 TEST(CompareAttributes, TakesAnAttributeWithoutTextForAnEmptyOne)
 {
     const Document byHand = Parse("<a/>");
@@ -516,6 +563,155 @@ TEST(ControlNodeComparison, ComparesThePairWhereverOptionsLeaveTheWalkers)
     };
     EXPECT_THROW(compare(left, right), TextNodeValuesDontMatchException);
     EXPECT_NO_THROW(compare(left, left));
+    const Document otherName = Parse("<a><z><c>x</c><d/></z>t<e>1</e></a>");
+    EXPECT_THROW(compare(left, otherName), NodeNamesDontMatchException) << "only the last children are equal";
+}
+
+/// Looks ahead like LookingAhead, but then fails.
+class FailingAhead : public LookingAhead
+{
+  public:
+    using LookingAhead::LookingAhead;
+
+  protected:
+    FailingAhead* Clone() const override { return new FailingAhead(*this); }
+    XMLNodeComparator* PrepareNodeComparator(const DOMElement* left, const DOMElement* right) override
+    {
+        delete LookingAhead::PrepareNodeComparator(left, right);
+        throw NodeNamesDontMatchException(left, right);
+    }
+    XMLValueComparator* GetValueComparator() const override
+    {
+        delete LookingAhead::GetValueComparator();
+        throw XMLCompareException();
+    }
+};
+
+TEST(ControlNodeComparison, LeavesTheWalkersOnThePairWhenOptionsMoveThemAndThrow)
+{
+    const Document left = Parse("<a><b><c/><d/></b>t<e/></a>");
+    const Document right = Parse("<a><b><c/><d/></b>t<e/></a>");
+    DOMTreeWalker* const leftWalker = NewWalker(left);
+    DOMTreeWalker* const rightWalker = NewWalker(right);
+    const Nuv::Ref<FailingAhead> options(new FailingAhead(*leftWalker, *rightWalker));
+    std::vector<Nuv::UniString> stops;
+    GoingOn(stops).CompareNodes(leftWalker, rightWalker, *options);
+    EXPECT_EQ(stops, (std::vector<Nuv::UniString>{u"b", u"#text", u"e"}));
+}
+
+// Walkers and filters of a caller.
+
+/// Notes the nodes that it is asked about; accepts all of them.
+class NotingFilter : public DOMNodeFilter
+{
+  public:
+    FilterAction acceptNode(const DOMNode* node) const override
+    {
+        asked.push_back(node->getNodeName());
+        return FILTER_ACCEPT;
+    }
+
+    mutable std::vector<Nuv::UniString> asked;
+};
+
+TEST(XMLCompareStrictOrder, AsksACallersFilterAboutTheParentOfEachLastChild)
+{
+    NotingFilter filter;
+    const Document document = Parse("<a><b>x</b></a>");
+    Compare(document, document, Standard(), &filter);
+    const std::vector<Nuv::UniString> expected{
+        u"b",     u"b",     // the first children of a
+        u"#text", u"#text", // the first children of b
+        u"b",     u"b",     // after the text
+        u"a",     u"a",     // after b
+    };
+    EXPECT_EQ(filter.asked, expected);
+}
+
+/// Hides the elements named b, but not what is in them.
+class SkippingB : public SkipWhitespaceTextsCompareFilter
+{
+  public:
+    FilterAction acceptNode(const DOMNode* node) const override
+    {
+        return Nuv::UniString(node->getNodeName()) == u"b" ? FILTER_SKIP : FILTER_ACCEPT;
+    }
+};
+
+void CompareFirstChildren(const Document& left, const Document& right, DOMNodeFilter* filter,
+                          DOMNodeFilter::ShowType show = DOMNodeFilter::SHOW_ALL)
+{
+    const auto walkerFor = [&](const Document& document)
+    {
+        DOMElement* const root = document->getDocumentElement();
+        DOMTreeWalker* const walker = document->createTreeWalker(root, show, filter, false);
+        walker->setCurrentNode(root->getFirstChild());
+        return walker;
+    };
+    const Nuv::Ref<Standard> options(new Standard);
+    XMLCompareStrictOrder().CompareNodes(walkerFor(left), walkerFor(right), *options);
+}
+
+TEST(XMLCompareStrictOrder, GoesOnBehindAPairThatTheWalkersDoNotShow)
+{
+    const Document one = Parse("<a><b>x</b>y</a>");
+    const Document other = Parse("<a><b>x</b>z</a>");
+    SkippingB filter;
+    EXPECT_THROW(CompareFirstChildren(one, other, &filter), TextNodeValuesDontMatchException);
+    EXPECT_THROW(CompareFirstChildren(one, other, nullptr, DOMNodeFilter::SHOW_TEXT),
+                 TextNodeValuesDontMatchException);
+    EXPECT_NO_THROW(CompareFirstChildren(one, other, nullptr));
+    EXPECT_NO_THROW(CompareFirstChildren(one, one, &filter));
+}
+
+/// A walker of a caller, which shows `appendix` behind the last child of every element.
+class WalkerWithAppendix : public DOMTreeWalker
+{
+  public:
+    WalkerWithAppendix(DOMTreeWalker& ordinary, DOMNode* behindLastChild)
+        : walker(ordinary)
+        , appendix(behindLastChild)
+    {
+    }
+
+    DOMNode* getRoot() override { return walker.getRoot(); }
+    DOMNodeFilter::ShowType getWhatToShow() override { return walker.getWhatToShow(); }
+    DOMNodeFilter* getFilter() override { return walker.getFilter(); }
+    bool getExpandEntityReferences() override { return walker.getExpandEntityReferences(); }
+    DOMNode* getCurrentNode() override { return walker.getCurrentNode(); }
+    void setCurrentNode(DOMNode* node) override { walker.setCurrentNode(node); }
+    DOMNode* parentNode() override { return walker.parentNode(); }
+    DOMNode* firstChild() override { return walker.firstChild(); }
+    DOMNode* lastChild() override { return walker.lastChild(); }
+    DOMNode* previousSibling() override { return walker.previousSibling(); }
+    DOMNode* nextSibling() override
+    {
+        if (walker.getCurrentNode() == appendix)
+            return nullptr;
+        if (DOMNode* const sibling = walker.nextSibling())
+            return sibling;
+        walker.setCurrentNode(appendix);
+        return appendix;
+    }
+    DOMNode* previousNode() override { return walker.previousNode(); }
+    DOMNode* nextNode() override { return walker.nextNode(); }
+    void release() override {}
+
+  private:
+    DOMTreeWalker& walker;
+    DOMNode* appendix;
+};
+
+TEST(XMLCompareStrictOrder, FollowsAWalkerOfTheCaller)
+{
+    const Document document = Parse("<a>x</a>");
+    WalkerWithAppendix left(*NewWalker(document), document->createTextNode(u"1"));
+    WalkerWithAppendix same(*NewWalker(document), document->createTextNode(u"1.0"));
+    WalkerWithAppendix other(*NewWalker(document), document->createTextNode(u"2"));
+    const Nuv::Ref<Standard> options(new Standard);
+    EXPECT_NO_THROW(XMLCompareStrictOrder().CompareNodes(&left, &same, *options));
+    EXPECT_THROW(XMLCompareStrictOrder().CompareNodes(&left, &other, *options),
+                 TextNodeValuesDontMatchException);
 }
 
 // Options of a caller.
@@ -651,6 +847,37 @@ TEST(CallersOptions, MakeEveryDecision)
     EXPECT_EQ(calls.alive, 0);
 }
 
+TEST(CallersOptions, AreGivenEachPairOfElementsLeftFirst)
+{
+    class Noting : public Standard
+    {
+      public:
+        explicit Noting(std::vector<const DOMNode*>& notes)
+            : given(notes)
+        {
+        }
+
+      protected:
+        Noting* Clone() const override { return new Noting(*this); }
+        XMLNodeComparator* PrepareNodeComparator(const DOMElement* left, const DOMElement* right) override
+        {
+            given.insert(given.end(), {left, right});
+            return new XMLCompareStrictOrder;
+        }
+
+      private:
+        std::vector<const DOMNode*>& given;
+    };
+    const Document left = Parse("<a><b/></a>");
+    const Document right = Parse("<a><b/></a>");
+    std::vector<const DOMNode*> given;
+    Compare(left, right, Noting(given));
+    const DOMNode* const leftRoot = left->getDocumentElement();
+    const DOMNode* const rightRoot = right->getDocumentElement();
+    EXPECT_EQ(given, (std::vector<const DOMNode*>{leftRoot, rightRoot, leftRoot->getFirstChild(),
+                                                  rightRoot->getFirstChild()}));
+}
+
 TEST(CallersOptions, AreClonedOnceWhenTheyDoNotChange)
 {
     Calls calls;
@@ -696,6 +923,19 @@ TEST(CallersOptions, DieWithTheFirstPairOfChildrenWhenNobodyHoldsThem)
     auto* const options = new WatchedOptions(calls, false);
     XMLCompareStrictOrder().CompareNodes(NewWalker(document), NewWalker(document), *options);
     EXPECT_EQ(calls.alive, 0);
+}
+
+// Slots.
+
+class WithWalkThrough : public XMLCompareStrictOrder
+{
+  public:
+    void WalkThrough() override {}
+};
+
+TEST(XMLNodeComparator, HasWalkThroughBeforeItsDestructor)
+{
+    EXPECT_EQ(NuvTest::SlotOf(&WithWalkThrough::WalkThrough), 0u);
 }
 
 // Copies.

@@ -1,9 +1,24 @@
 #include "CompareSupport.hpp"
 
+#include "tests/support/PrivateAccess.hpp"
+#include "tests/support/VirtualSlots.hpp"
+
 #include <limits>
 #include <memory>
 #include <string>
 #include <vector>
+
+namespace NuvTest
+{
+
+struct ValueComparatorIsEqual
+{
+    using Member = bool (NuvXML::XMLValueComparator::*)() const;
+    friend Member Reveal(ValueComparatorIsEqual);
+};
+template struct Revealed<ValueComparatorIsEqual, &NuvXML::XMLValueComparator::IsEqual>;
+
+} // namespace NuvTest
 
 namespace
 {
@@ -164,6 +179,28 @@ TEST(XMLValueComparator, TakesAMissingTextNodeForTheEmptyText)
     EXPECT_FALSE(comparator.CompareValues(missing, word, options));
     EXPECT_FALSE(comparator.CompareValues(word, missing, options));
     EXPECT_FALSE(XMLCompareInt().CompareValues(missing, missing, options));
+}
+
+/// Decides about the values that it has before any CompareValues.
+template <class Comparator>
+bool IsEqualAtFirst()
+{
+    const Comparator comparator;
+    return (comparator.*Reveal(NuvTest::ValueComparatorIsEqual()))();
+}
+
+TEST(XMLValueComparator, HasTwoEmptyStringsAtFirst)
+{
+    EXPECT_TRUE(IsEqualAtFirst<XMLCompareAuto>());
+    EXPECT_TRUE(IsEqualAtFirst<XMLCompareString>());
+    EXPECT_TRUE(IsEqualAtFirst<XMLCompareStringCaseSensitive>());
+    EXPECT_FALSE(IsEqualAtFirst<XMLCompareInt>());
+    EXPECT_FALSE(IsEqualAtFirst<XMLCompareDouble>());
+}
+
+TEST(XMLValueComparator, HasIsEqualBeforeItsDestructor)
+{
+    EXPECT_EQ(NuvTest::SlotOf(Reveal(NuvTest::ValueComparatorIsEqual())), 0u);
 }
 
 TEST(XMLValueComparator, ComparesTheValuesOfTheLastCall)
