@@ -258,13 +258,13 @@ TEST(SAXWriters, WriteAWaitingHalfBeforeTheNextEvent)
     EXPECT_EQ(write([](SAX2Writer& writer) { WriteCharacters(writer, u"a"); }), "&#xD83D;a");
 }
 
-TEST(SAXWriters, WriteStatefulEncodingsThroughTheFormatter)
+TEST(SAXWriters, WriteStatefulEncodings)
 {
     Output output(u"ISO-2022-JP");
     SAX2Writer writer(output.formatter, false);
-    WriteCharacters(writer, u"a\u65E5<\xD83D");
+    WriteCharacters(writer, u"a\u65E5\u672C<\U0001F600\u65E5\u200B\uD7A3z\xD83D");
     writer.endElement(u"", u"e", u"e");
-    EXPECT_EQ(output.Body(), "a\x1B$BF|\x1B(B&lt;&#xD83D;</e>");
+    EXPECT_EQ(output.Body(), "a\x1B$BF|K\\\x1B(B&lt;&#x1F600;\x1B$BF|\x1B(B&#x200B;&#xD7A3;z&#xD83D;</e>");
 }
 
 TEST(SAXWriters, GoOnAfterAnExceptionWithTheNextEvent)
