@@ -10,6 +10,7 @@
 #include <xercesc/util/TranscodingException.hpp>
 
 #include <memory>
+#include <vector>
 
 namespace
 {
@@ -127,6 +128,10 @@ TEST(SAXWriters, WriteIgnorableWhitespaceWithoutEscapes)
     SAX2Writer writer(output.formatter, false);
     writer.ignorableWhitespace(u" \r\n\t", 4);
     EXPECT_EQ(output.Body(), " \r\n\t");
+    Output output1;
+    SAXWriter writer1(output1.formatter);
+    writer1.ignorableWhitespace(u" \r\n\t", 4);
+    EXPECT_EQ(output1.Body(), " \r\n\t");
 }
 
 TEST(SAXWriters, WriteTheDeclarationWithTheEscapeFlagsOfTheFormatter)
@@ -256,6 +261,30 @@ TEST(SAXWriters, WriteAWaitingHalfBeforeTheNextEvent)
     EXPECT_EQ(write([](SAX2Writer& writer) { writer.processingInstruction(u"p", nullptr); }),
               "&#xD83D;<?p?>");
     EXPECT_EQ(write([](SAX2Writer& writer) { WriteCharacters(writer, u"a"); }), "&#xD83D;a");
+}
+
+TEST(SAXWriter, WritesAWaitingHalfAtTheEndOfTheDocument)
+{
+    Output output;
+    SAXWriter writer(output.formatter);
+    writer.characters(u"\xD83D", 1);
+    EXPECT_EQ(output.Body(), "");
+    writer.endDocument();
+    EXPECT_EQ(output.Body(), "&#xD83D;");
+}
+
+TEST(SAXWriters, ReadNothingBehindTheText)
+{
+    for (const char16_t* const encoding : {u"UTF-8", u"ISO-8859-1", u"KOI8-R", u"ISO-2022-JP"})
+    {
+        const std::vector<char16_t> text = {u'a', u'\r', u'<', 0xD7FB};
+        Output output(encoding);
+        SAX2Writer writer(output.formatter, false);
+        writer.characters(text.data(), text.size());
+        writer.characters(text.data() + 3, 1);
+        const std::string last = encoding == std::u16string_view(u"UTF-8") ? "\xED\x9F\xBB" : "&#xD7FB;";
+        EXPECT_EQ(output.Body(), "a&#xD;&lt;" + last + last);
+    }
 }
 
 TEST(SAXWriters, WriteStatefulEncodings)
