@@ -216,6 +216,15 @@ TEST(FormatXMLDoc, DoesNotTakeMarkupBetweenTwoTextsForASectionEnd)
     EXPECT_EQ(PrintBody(root), "<r>]]<e/>>]]<!---->></r>");
 }
 
+TEST(FormatXMLDoc, DoesNotTakeTheEndOfAnAttributeForTheStartOfASectionEnd)
+{
+    const Document document = NewDocument();
+    DOMElement& root = *document->getDocumentElement();
+    root.setAttribute(u"a", u"]]");
+    root.appendChild(document->createTextNode(u">"));
+    EXPECT_EQ(PrintBody(root), "<r a=\"]]\">></r>");
+}
+
 TEST(FormatXMLDoc, EscapesBothQuotesButNotGreaterThanInAttributes)
 {
     EXPECT_EQ(PrintValue(u"a&b<c>d\"e'f]]>g\nh\ti"), "<r a=\"a&amp;b&lt;c>d&quot;e&apos;f]]>g\nh\ti\"/>");
@@ -366,6 +375,17 @@ TEST(FormatXMLDoc, RefusesStatefulEncodings)
     for (const char16_t* const name :
          {u"ISO-2022-JP", u"ISO-2022-KR", u"ISO-2022-CN", u"HZ-GB-2312", u"SCSU", u"BOCU-1", u"UTF-7",
           u"IMAP-mailbox-name", u"ISCII,version=0", u"LMBCS-1", u"ibm-930", u"x11-compound-text"})
+    {
+        Nuv::MemoryOChannel channel;
+        EXPECT_FALSE(FormatXMLDoc(document.get(), &channel, name, true)) << Nuv::UniString(name);
+        EXPECT_EQ(channel.GetBytes(), "") << Nuv::UniString(name);
+    }
+}
+
+TEST(FormatXMLDoc, RefusesEncodingsThatLackCharactersOfMarkup)
+{
+    const Document document = NewDocument();
+    for (const char16_t* const name : {u"ibm-803", u"ibm-420", u"ibm-4899"})
     {
         Nuv::MemoryOChannel channel;
         EXPECT_FALSE(FormatXMLDoc(document.get(), &channel, name, true)) << Nuv::UniString(name);

@@ -163,6 +163,25 @@ TEST(SAXWriters, WriteEachEventAtOnce)
     EXPECT_EQ(output.Body(), "<e><!--c-->t");
 }
 
+TEST(SAXWriters, GiveTheTargetABlockThatEndsInAZero)
+{
+    class Target : public XMLFormatTarget
+    {
+      public:
+        void writeChars(const XMLByte* bytes, XMLSize_t, XMLFormatter*) override
+        {
+            text += reinterpret_cast<const char*>(bytes);
+        }
+        std::string text;
+    } target;
+    XMLFormatter formatter(u"UTF-8", &target);
+    SAX2Writer writer(formatter, false);
+    target.text.clear();
+    WriteCharacters(writer, u"a long text");
+    WriteCharacters(writer, u"short");
+    EXPECT_EQ(target.text, "a long textshort");
+}
+
 TEST(SAXWriters, IgnoreTheOtherEvents)
 {
     Output output;
@@ -243,6 +262,17 @@ TEST(SAXWriters, WriteHalfAPairAsAReference)
     }
 }
 
+TEST(SAXWriters, WriteHalfAPairAsAReferenceWhateverTheFormatterIsTold)
+{
+    for (const auto lacking : {XMLFormatter::UnRep_Replace, XMLFormatter::UnRep_Fail})
+    {
+        Output output(u"UTF-8", lacking);
+        SAX2Writer writer(output.formatter, false);
+        WriteCharacters(writer, u"a\xDE00z");
+        EXPECT_EQ(output.Body(), "a&#xDE00;z");
+    }
+}
+
 TEST(SAXWriters, WriteAWaitingHalfBeforeTheNextEvent)
 {
     const auto write = [](auto nextEvent)
@@ -294,6 +324,14 @@ TEST(SAXWriters, WriteStatefulEncodings)
     WriteCharacters(writer, u"a\u65E5\u672C<\U0001F600\u65E5\u200B\uD7A3z\xD83D");
     writer.endElement(u"", u"e", u"e");
     EXPECT_EQ(output.Body(), "a\x1B$BF|K\\\x1B(B&lt;&#x1F600;\x1B$BF|\x1B(B&#x200B;&#xD7A3;z&#xD83D;</e>");
+}
+
+TEST(SAXWriters, WriteAReferenceForACharacterOfWhichAConverterKeepsAPart)
+{
+    Output output(u"UTF-7");
+    SAX2Writer writer(output.formatter, false);
+    WriteCharacters(writer, u"a\u65E5z");
+    EXPECT_EQ(output.Body(), "a&#x65E5;z");
 }
 
 TEST(SAXWriters, GoOnAfterAnExceptionWithTheNextEvent)
