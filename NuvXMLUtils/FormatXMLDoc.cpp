@@ -300,7 +300,7 @@ bool Print(const DOMNode& node, Nuv::OChannel& channel, const Encoding& encoding
     const auto transcoder = NuvXML::MakeTranscoder(encoding.name, TranscoderBlockSize);
     if (!transcoder)
         return false;
-    auto encoder = NuvXML::MakeTextEncoder(*transcoder);
+    auto encoder = NuvXML::MakeStatelessTextEncoder(*transcoder);
     if (!encoder)
         return false;
     XMLPrintTarget print(std::move(encoder), channel);

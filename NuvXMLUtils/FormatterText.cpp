@@ -135,16 +135,10 @@ void FormatterText::WriteEscaped(std::u16string_view text, EscapeFlags flags)
     }
 }
 
-void FormatterText::Send(std::u16string_view text)
+void FormatterText::Send(std::u16string_view block)
 {
-    if (encoder)
-        Encode(text.data(), text.data() + text.size());
-    else
-        Format(text.data(), text.data() + text.size());
-}
-
-void FormatterText::Encode(const XMLCh* text, const XMLCh* end)
-{
+    const XMLCh* text = block.data();
+    const XMLCh* const end = text + block.size();
     static constexpr EscapeList nothing;
     FreeBytes bytes{buffer.data(), buffer.data() + buffer.size() - TerminatorSize};
     for (;;)
@@ -183,21 +177,6 @@ void FormatterText::SendBytes(FreeBytes& bytes)
     // The operation by which a formatter sends bytes on as they are, whatever they are.
     if (count != 0)
         formatter.writeBOM(buffer.data(), count);
-}
-
-void FormatterText::Format(const XMLCh* text, const XMLCh* end)
-{
-    while (text != end)
-    {
-        const XMLCh* stop = text;
-        while (stop != end && !IsHalf(CharacterAt(stop, end)))
-            stop += LengthOfCharacterAt(stop, end);
-        if (stop != text)
-            formatter.formatBuf(text, static_cast<XMLSize_t>(stop - text), XMLFormatter::NoEscapes);
-        if (stop != end)
-            FormatLacking(stop++, end);
-        text = stop;
-    }
 }
 
 } // namespace NuvXML

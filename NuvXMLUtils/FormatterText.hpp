@@ -16,7 +16,7 @@ namespace NuvXML
 {
 
 /// The text of events on its way to a formatter. It is collected for each event, with its escapes, and then
-/// sent in one block, by an encoder of ours unless the encoding is stateful.
+/// sent in one block, by an encoder of ours.
 ///
 /// The bytes are those that the formatter would write, but where formatters go wrong: on half surrogate pairs
 /// they do not come to an end or take the next character for the other half, and with ICU's converters they
@@ -49,8 +49,6 @@ class FormatterText
   private:
     void WriteEscaped(std::u16string_view text, EscapeFlags escapes);
     void Send(std::u16string_view text);
-    void Encode(const XMLCh* text, const XMLCh* end);
-    void Format(const XMLCh* text, const XMLCh* end);
     void FormatLacking(const XMLCh* text, const XMLCh* end);
     void SendBytes(FreeBytes& bytes);
 

@@ -30,6 +30,13 @@ void BeginMarkup(XMLFormatter& formatter, FormatterText& text)
     formatter << XMLFormatter::NoEscapes;
 }
 
+void WriteWhitespace(FormatterText& text, const XMLCh* chars, XMLSize_t length)
+{
+    text.BeginEvent();
+    text.Write(std::u16string_view(chars, length));
+    text.EndEvent();
+}
+
 void WriteExpandedName(FormatterText& text, const XMLCh* uri, const XMLCh* localname)
 {
     if (uri && *uri)
@@ -40,8 +47,16 @@ void WriteExpandedName(FormatterText& text, const XMLCh* uri, const XMLCh* local
     text.Write(localname);
 }
 
-void WriteInstruction(FormatterText& text, const XMLCh* target, const XMLCh* data)
+void WriteAttributeValue(FormatterText& text, const XMLCh* value)
 {
+    text.Write(u"=\""sv);
+    text.WriteValue(value);
+    text.Write(u"\""sv);
+}
+
+void WriteInstruction(XMLFormatter& formatter, FormatterText& text, const XMLCh* target, const XMLCh* data)
+{
+    BeginMarkup(formatter, text);
     text.Write(u"<?"sv);
     text.Write(target);
     if (data)
@@ -86,15 +101,12 @@ void SAXWriter::endElement(const XMLCh* name)
 
 void SAXWriter::ignorableWhitespace(const XMLCh* chars, XMLSize_t length)
 {
-    text->BeginEvent();
-    text->Write(std::u16string_view(chars, length));
-    text->EndEvent();
+    WriteWhitespace(*text, chars, length);
 }
 
 void SAXWriter::processingInstruction(const XMLCh* target, const XMLCh* data)
 {
-    BeginMarkup(*formatter, *text);
-    WriteInstruction(*text, target, data);
+    WriteInstruction(*formatter, *text, target, data);
 }
 
 void SAXWriter::resetDocument() {}
@@ -113,9 +125,7 @@ void SAXWriter::startElement(const XMLCh* name, xercesc_3_0::AttributeList& attr
     {
         text->Write(u" "sv);
         text->Write(attributes.getName(i));
-        text->Write(u"=\""sv);
-        text->WriteValue(attributes.getValue(i));
-        text->Write(u"\""sv);
+        WriteAttributeValue(*text, attributes.getValue(i));
     }
     text->Write(u">"sv);
     text->EndEvent();
@@ -161,15 +171,12 @@ void SAX2Writer::endElement(const XMLCh* uri, const XMLCh* localname, const XMLC
 
 void SAX2Writer::ignorableWhitespace(const XMLCh* chars, XMLSize_t length)
 {
-    text->BeginEvent();
-    text->Write(std::u16string_view(chars, length));
-    text->EndEvent();
+    WriteWhitespace(*text, chars, length);
 }
 
 void SAX2Writer::processingInstruction(const XMLCh* target, const XMLCh* data)
 {
-    BeginMarkup(*formatter, *text);
-    WriteInstruction(*text, target, data);
+    WriteInstruction(*formatter, *text, target, data);
 }
 
 void SAX2Writer::setDocumentLocator(const xercesc_3_0::Locator* newLocator) { locator = newLocator; }
@@ -190,9 +197,7 @@ void SAX2Writer::startElement(const XMLCh* uri, const XMLCh* localname, const XM
             WriteExpandedName(*text, attributes.getURI(i), attributes.getLocalName(i));
         else
             text->Write(attributes.getQName(i));
-        text->Write(u"=\""sv);
-        text->WriteValue(attributes.getValue(i));
-        text->Write(u"\""sv);
+        WriteAttributeValue(*text, attributes.getValue(i));
     }
     text->Write(u">"sv);
     text->EndEvent();

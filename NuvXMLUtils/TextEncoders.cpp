@@ -461,11 +461,8 @@ bool IsStateless(const XMLTranscoder& transcoder)
     }
 }
 
-} // namespace
-
-TextEncoder::~TextEncoder() = default;
-
-std::unique_ptr<TextEncoder> MakeTextEncoder(XMLTranscoder& transcoder)
+/// The encoder of ours, or null when there is none for the encoding.
+std::unique_ptr<TextEncoder> MakeDirectEncoder(XMLTranscoder& transcoder)
 {
     if (IsA<xercesc_3_0::XMLUTF8Transcoder>(transcoder))
         return std::make_unique<UTF8Encoder>();
@@ -481,6 +478,24 @@ std::unique_ptr<TextEncoder> MakeTextEncoder(XMLTranscoder& transcoder)
             return std::make_unique<UTF16Encoder<std::endian::little>>();
         return std::make_unique<UTF16Encoder<std::endian::big>>();
     }
+    return nullptr;
+}
+
+} // namespace
+
+TextEncoder::~TextEncoder() = default;
+
+std::unique_ptr<TextEncoder> MakeTextEncoder(XMLTranscoder& transcoder)
+{
+    if (auto encoder = MakeDirectEncoder(transcoder))
+        return encoder;
+    return std::make_unique<TranscodingEncoder>(transcoder);
+}
+
+std::unique_ptr<TextEncoder> MakeStatelessTextEncoder(XMLTranscoder& transcoder)
+{
+    if (auto encoder = MakeDirectEncoder(transcoder))
+        return encoder;
     if (!IsStateless(transcoder))
         return nullptr;
     auto encoder = std::make_unique<TranscodingEncoder>(transcoder);

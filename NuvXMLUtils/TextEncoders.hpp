@@ -57,7 +57,7 @@ enum class Stop
     NoRoom     ///< before a character for which there may be no room
 };
 
-/// Encodes text. An encoder keeps no state between calls.
+/// Encodes text. An encoder keeps no state between calls, unless its transcoder does.
 class TextEncoder
 {
   public:
@@ -72,9 +72,12 @@ class TextEncoder
                         FreeBytes& out) = 0;
 };
 
-/// The encoder for the encoding of `transcoder`, which must outlive it, or null for an encoding in which XML
-/// cannot be written piece by piece: one with shift states, or one that lacks characters of markup.
+/// The encoder for the encoding of `transcoder`, which must outlive it.
 std::unique_ptr<TextEncoder> MakeTextEncoder(xercesc_3_0::XMLTranscoder& transcoder);
+
+/// MakeTextEncoder, or null for an encoding in which XML cannot be written as pieces that are encoded apart:
+/// one with shift states, or one that lacks characters of markup.
+std::unique_ptr<TextEncoder> MakeStatelessTextEncoder(xercesc_3_0::XMLTranscoder& transcoder);
 
 /// A transcoder for texts of up to `blockSize` units, or null when the encoding is not known.
 std::unique_ptr<xercesc_3_0::XMLTranscoder> MakeTranscoder(const XMLCh* encoding, size_t blockSize);

@@ -2,8 +2,11 @@
 
 #include "tests/NuvXMLUtils/PrinterSupport.hpp"
 
-#include <gmock/gmock.h>
+#include <xercesc/util/TranscodingException.hpp>
 
+#include <bit>
+#include <future>
+#include <stdexcept>
 #include <vector>
 
 namespace
@@ -78,7 +81,7 @@ TEST(FormatXMLDoc, WritesAttributesInTheOrderOfTheirMap)
     EXPECT_EQ(PrintBody(*document->getDocumentElement()), expected + "/>");
 }
 
-TEST(FormatXMLDoc, WritesTextAndEntityReferencesOfAnAttributeAndSkipsItsOtherChildren)
+TEST(FormatXMLDoc, WritesTextAndEntityReferencesOfAnAttribute)
 {
     const Document document = NewDocument();
     DOMAttr* const attribute = document->createAttribute(u"a");
@@ -213,6 +216,15 @@ TEST(FormatXMLDoc, DoesNotTakeMarkupBetweenTwoTextsForASectionEnd)
     EXPECT_EQ(PrintBody(root), "<r>]]<e/>>]]<!---->></r>");
 }
 
+TEST(FormatXMLDoc, DoesNotTakeTheEndOfAnAttributeForTheStartOfASectionEnd)
+{
+    const Document document = NewDocument();
+    DOMElement& root = *document->getDocumentElement();
+    root.setAttribute(u"a", u"]]");
+    root.appendChild(document->createTextNode(u">"));
+    EXPECT_EQ(PrintBody(root), "<r a=\"]]\">></r>");
+}
+
 TEST(FormatXMLDoc, EscapesBothQuotesButNotGreaterThanInAttributes)
 {
     EXPECT_EQ(PrintValue(u"a&b<c>d\"e'f]]>g\nh\ti"), "<r a=\"a&amp;b&lt;c>d&quot;e&apos;f]]>g\nh\ti\"/>");
@@ -275,6 +287,11 @@ TEST(FormatXMLDoc, KnowsBothNamesOfUTF8InAnyCase)
 
 constexpr std::u16string_view UTF16Text = u"\uFEFF<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n<r/>";
 
+std::string InNativeByteOrder(std::u16string_view units)
+{
+    return std::endian::native == std::endian::little ? LittleEndian(units) : BigEndian(units);
+}
+
 TEST(FormatXMLDoc, WritesPlainUTF16LittleEndian)
 {
     const Document document = NewDocument();
@@ -289,6 +306,16 @@ TEST(FormatXMLDoc, WritesUTF16InTheByteOrderOfItsName)
         EXPECT_EQ(Print(*document->getDocumentElement(), name), LittleEndian(UTF16Text));
     for (const char16_t* const name : {u"UTF-16BE", u"UTF-16 (BE)", u"utf-16 (be)"})
         EXPECT_EQ(Print(*document->getDocumentElement(), name), BigEndian(UTF16Text));
+}
+
+TEST(FormatXMLDoc, WritesNoMarkForOtherNamesOfUTF16)
+{
+    const Document document = NewDocument();
+    for (const std::u16string name : {u"UTF16", u"UCS-2", u"ISO-10646-UCS-2"})
+    {
+        const std::u16string text = u"<?xml version=\"1.0\" encoding=\"" + name + u"\"?>\n<r/>";
+        EXPECT_EQ(Print(*document->getDocumentElement(), name.c_str()), InNativeByteOrder(text));
+    }
 }
 
 TEST(FormatXMLDocUC, WritesUTF16LittleEndianWhateverTheDocumentDeclares)
@@ -355,6 +382,17 @@ TEST(FormatXMLDoc, RefusesStatefulEncodings)
     }
 }
 
+TEST(FormatXMLDoc, RefusesEncodingsThatLackCharactersOfMarkup)
+{
+    const Document document = NewDocument();
+    for (const char16_t* const name : {u"ibm-803", u"ibm-420", u"ibm-4899"})
+    {
+        Nuv::MemoryOChannel channel;
+        EXPECT_FALSE(FormatXMLDoc(document.get(), &channel, name, true)) << Nuv::UniString(name);
+        EXPECT_EQ(channel.GetBytes(), "") << Nuv::UniString(name);
+    }
+}
+
 TEST(FormatXMLDoc, StopsWritingAtTheFirstErrorOfTheChannel)
 {
     const std::string text(300'000, 'x');
@@ -382,12 +420,40 @@ TEST(FormatXMLDoc, LetsExceptionsOfTheChannelThrough)
 
 TEST(FormatXMLDoc, ReportsExceptionsOfXercesAsFailure)
 {
-    class ThrowingChannel : public Nuv::OChannel
+    class DOMFailure : public Nuv::OChannel
     {
         int Write(const void*, size_t) override { throw DOMException(DOMException::INVALID_STATE_ERR, 0); }
-    } channel;
+    } domFailure;
+    class XMLFailure : public Nuv::OChannel
+    {
+        int Write(const void*, size_t) override
+        {
+            throw TranscodingException(__FILE__, __LINE__, XMLExcepts::Trans_BadSrcSeq);
+        }
+    } xmlFailure;
     const Document document = NewDocument();
-    EXPECT_FALSE(FormatXMLDoc(document.get(), &channel, nullptr, false));
+    EXPECT_FALSE(FormatXMLDoc(document.get(), &domFailure, nullptr, false));
+    EXPECT_FALSE(FormatXMLDoc(document.get(), &xmlFailure, nullptr, false));
+}
+
+// Threads.
+
+TEST(FormatXMLDoc, PrintsOnSeveralThreadsAtOnce)
+{
+    const auto print = []
+    {
+        std::string bytes;
+        for (unsigned seed = 0; seed < 20; ++seed)
+            for (const char16_t* const encoding : {u"UTF-8", u"UTF-16LE", u"KOI8-R", u"Shift_JIS"})
+                bytes += Print(*DocumentGenerator(seed).Make(), encoding);
+        return bytes;
+    };
+    std::vector<std::future<std::string>> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.push_back(std::async(std::launch::async, print));
+    const std::string expected = print();
+    for (std::future<std::string>& thread : threads)
+        EXPECT_TRUE(thread.get() == expected);
 }
 
 } // namespace

@@ -22,7 +22,7 @@ namespace NuvTest
 class PlainPrinter
 {
   public:
-    /// @param units whether the encoding is UTF-16, in which half surrogate pairs are written as they are
+    /// @param isUTF16 whether the encoding is UTF-16, in which half surrogate pairs are written as they are
     PlainPrinter(const char16_t* encodingName, bool isUTF16)
         : encoding(encodingName)
         , writesHalfPairs(isUTF16)

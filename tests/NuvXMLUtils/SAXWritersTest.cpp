@@ -10,6 +10,7 @@
 #include <xercesc/util/TranscodingException.hpp>
 
 #include <memory>
+#include <vector>
 
 namespace
 {
@@ -127,6 +128,10 @@ TEST(SAXWriters, WriteIgnorableWhitespaceWithoutEscapes)
     SAX2Writer writer(output.formatter, false);
     writer.ignorableWhitespace(u" \r\n\t", 4);
     EXPECT_EQ(output.Body(), " \r\n\t");
+    Output output1;
+    SAXWriter writer1(output1.formatter);
+    writer1.ignorableWhitespace(u" \r\n\t", 4);
+    EXPECT_EQ(output1.Body(), " \r\n\t");
 }
 
 TEST(SAXWriters, WriteTheDeclarationWithTheEscapeFlagsOfTheFormatter)
@@ -156,6 +161,25 @@ TEST(SAXWriters, WriteEachEventAtOnce)
     output.formatter << u"<!--c-->";
     WriteCharacters(writer, u"t");
     EXPECT_EQ(output.Body(), "<e><!--c-->t");
+}
+
+TEST(SAXWriters, GiveTheTargetABlockThatEndsInAZero)
+{
+    class Target : public XMLFormatTarget
+    {
+      public:
+        void writeChars(const XMLByte* bytes, XMLSize_t, XMLFormatter*) override
+        {
+            text += reinterpret_cast<const char*>(bytes);
+        }
+        std::string text;
+    } target;
+    XMLFormatter formatter(u"UTF-8", &target);
+    SAX2Writer writer(formatter, false);
+    target.text.clear();
+    WriteCharacters(writer, u"a long text");
+    WriteCharacters(writer, u"short");
+    EXPECT_EQ(target.text, "a long textshort");
 }
 
 TEST(SAXWriters, IgnoreTheOtherEvents)
@@ -238,6 +262,17 @@ TEST(SAXWriters, WriteHalfAPairAsAReference)
     }
 }
 
+TEST(SAXWriters, WriteHalfAPairAsAReferenceWhateverTheFormatterIsTold)
+{
+    for (const auto lacking : {XMLFormatter::UnRep_Replace, XMLFormatter::UnRep_Fail})
+    {
+        Output output(u"UTF-8", lacking);
+        SAX2Writer writer(output.formatter, false);
+        WriteCharacters(writer, u"a\xDE00z");
+        EXPECT_EQ(output.Body(), "a&#xDE00;z");
+    }
+}
+
 TEST(SAXWriters, WriteAWaitingHalfBeforeTheNextEvent)
 {
     const auto write = [](auto nextEvent)
@@ -258,13 +293,45 @@ TEST(SAXWriters, WriteAWaitingHalfBeforeTheNextEvent)
     EXPECT_EQ(write([](SAX2Writer& writer) { WriteCharacters(writer, u"a"); }), "&#xD83D;a");
 }
 
-TEST(SAXWriters, WriteStatefulEncodingsThroughTheFormatter)
+TEST(SAXWriter, WritesAWaitingHalfAtTheEndOfTheDocument)
+{
+    Output output;
+    SAXWriter writer(output.formatter);
+    writer.characters(u"\xD83D", 1);
+    EXPECT_EQ(output.Body(), "");
+    writer.endDocument();
+    EXPECT_EQ(output.Body(), "&#xD83D;");
+}
+
+TEST(SAXWriters, ReadNothingBehindTheText)
+{
+    for (const char16_t* const encoding : {u"UTF-8", u"ISO-8859-1", u"KOI8-R", u"ISO-2022-JP"})
+    {
+        const std::vector<char16_t> text = {u'a', u'\r', u'<', 0xD7FB};
+        Output output(encoding);
+        SAX2Writer writer(output.formatter, false);
+        writer.characters(text.data(), text.size());
+        writer.characters(text.data() + 3, 1);
+        const std::string last = encoding == std::u16string_view(u"UTF-8") ? "\xED\x9F\xBB" : "&#xD7FB;";
+        EXPECT_EQ(output.Body(), "a&#xD;&lt;" + last + last);
+    }
+}
+
+TEST(SAXWriters, WriteStatefulEncodings)
 {
     Output output(u"ISO-2022-JP");
     SAX2Writer writer(output.formatter, false);
-    WriteCharacters(writer, u"a\u65E5<\xD83D");
+    WriteCharacters(writer, u"a\u65E5\u672C<\U0001F600\u65E5\u200B\uD7A3z\xD83D");
     writer.endElement(u"", u"e", u"e");
-    EXPECT_EQ(output.Body(), "a\x1B$BF|\x1B(B&lt;&#xD83D;</e>");
+    EXPECT_EQ(output.Body(), "a\x1B$BF|K\\\x1B(B&lt;&#x1F600;\x1B$BF|\x1B(B&#x200B;&#xD7A3;z&#xD83D;</e>");
+}
+
+TEST(SAXWriters, WriteAReferenceForACharacterOfWhichAConverterKeepsAPart)
+{
+    Output output(u"UTF-7");
+    SAX2Writer writer(output.formatter, false);
+    WriteCharacters(writer, u"a\u65E5z");
+    EXPECT_EQ(output.Body(), "a&#x65E5;z");
 }
 
 TEST(SAXWriters, GoOnAfterAnExceptionWithTheNextEvent)
