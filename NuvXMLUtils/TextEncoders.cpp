@@ -312,7 +312,8 @@ class CharacterSet
 
     bool RoundTrip(char32_t character)
     {
-        char16_t units[2] = {static_cast<char16_t>(character), 0};
+        // ICU's transcoder looks one unit beyond those that it refuses.
+        char16_t units[3] = {static_cast<char16_t>(character), 0, 0};
         const size_t length = character < 0x10000 ? 1 : 2;
         if (length == 2)
         {
