@@ -92,7 +92,8 @@ IO::Location ScratchLocation()
 template <class Integer>
 Nuv::UniString TextOf(Integer value)
 {
-    Nuv::UniChar buffer[256] = {};
+    Nuv::UniChar buffer[256];
+    buffer[0] = u'\0';
     Nuv::valuetostr(value, buffer, std::size(buffer));
     return Nuv::UniString(buffer);
 }
@@ -294,9 +295,10 @@ int DOMBuilder::WriteXML(const char* name, const Nuv::UniString& value)
         normalised = WithLineFeeds(text);
         text = normalised.c_str();
     }
-    if (*text)
-        Append(element, CreateText(text));
+    xercesc_3_0::DOMText* content = *text ? CreateText(text) : nullptr;
     AppendToOpenElement(element);
+    if (content)
+        Append(element, content);
     return Nuv::Success;
 }
 
