@@ -270,7 +270,7 @@ int main(int argc, char** argv)
         {
             {"standard options / bare walk", "compare", "walk", 1.10},
             {"marker options / bare walk", "compareWithMarkerOptions", "walk", 1.10},
-            {"marker options, every 4th beam marked / bare walk", "compareMarked", "walkMarked", 1.10},
+            {"marker options, every 4th beam marked / bare walk", "compareMarked", "walkMarked", 1.20},
             {"standard options, no filter / bare walk", "compareUnfiltered", "walkUnfiltered", 1.10},
             {"marker options, no filter / bare walk", "compareUnfilteredWithMarkerOptions", "walkUnfiltered",
              1.10},
