@@ -158,14 +158,14 @@ NUVXMLUTILS_API void CutWhSpaceU(unsigned short*& s);
 /// @name Quoted values
 /// @{
 
-/// Takes the quotes off a text that starts and ends with the same one of `"`, `'` and backquote: writes a
-/// zero over the last and gives back what stands behind the first. Nothing is unescaped.
+/// Takes the quotes off a text that starts and ends with the same one of quotation mark, apostrophe and
+/// backquote: writes a zero over the last and gives back what stands behind the first. Nothing is unescaped.
 /// @throws ConvException "String value error" when the text is not quoted; it then is as it was
 NUVXMLUTILS_API char* GetStringValue(char* s);
 NUVXMLUTILS_API unsigned short* GetStringValueU(unsigned short* s);
 
-/// Puts `s` between two quotes: the first of `"`, `'` and backquote that does not occur in it, or `"` when
-/// all three do.
+/// Puts `s` between two quotes: the first of quotation mark, apostrophe and backquote that does not occur in
+/// it, or the quotation mark when all three do.
 NUVXMLUTILS_API void MakeItTAMString(Nuv::UniString& s);
 
 /// @}

@@ -14,9 +14,9 @@
 ///
 /// A character that the encoding lacks is written as a character reference, such as `&#x20AC;`, wherever it
 /// stands; a surrogate pair is one character. Half a pair is written as it is in UTF-16 and as a reference
-/// elsewhere. In attribute values `&`, `<`, `"` and `'` are escaped, in text `&`, `<` and the `>` of "]]>". A
-/// node that has no text of its own (an attribute, a document fragment, a notation) prints as the declaration
-/// alone.
+/// elsewhere. In attribute values `&`, `<`, quotation mark and apostrophe are escaped, in text `&`, `<` and
+/// the `>` of "]]>". A node that has no text of its own (an attribute, a document fragment, a notation)
+/// prints as the declaration alone.
 ///
 /// The encoding is that of the node's document, as its XML declaration gave it, or else `encoding`; with
 /// `preferGivenEncoding` it is `encoding`, or else the document's. `encoding` may be null; where there is
