@@ -1,11 +1,10 @@
 #include "NuvXMLUtils/FormatXMLDoc.hpp"
 
-#include "NuvRoot/Exceptions.hpp"
+#include "NuvXMLUtils/OutOfMemory.hpp"
 #include "NuvXMLUtils/XMLPrint.hpp"
 
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/XMLRecognizer.hpp>
-#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
@@ -25,8 +24,6 @@ using NuvXML::XMLPrintTarget;
 using xercesc_3_0::DOMNode;
 using xercesc_3_0::XMLString;
 using xercesc_3_0::XMLUni;
-
-constexpr char SourceFile[] = "FormatXMLDoc";
 
 constexpr size_t TranscoderBlockSize = 16384;
 
@@ -322,8 +319,12 @@ bool FormatXMLDoc(const DOMNode* node, Nuv::OChannel* channel, const XMLCh* enco
         return false;
     try
     {
-        const XMLCh* const name = ChooseName(encoding, DeclaredEncoding(*node), preferGivenEncoding);
-        return Print(*node, *channel, WithByteOrderMark(name));
+        return NuvXML::WithOwnOutOfMemory(
+            [&]
+            {
+                const XMLCh* const name = ChooseName(encoding, DeclaredEncoding(*node), preferGivenEncoding);
+                return Print(*node, *channel, WithByteOrderMark(name));
+            });
     }
     catch (const xercesc_3_0::XMLException&)
     {
@@ -332,10 +333,6 @@ bool FormatXMLDoc(const DOMNode* node, Nuv::OChannel* channel, const XMLCh* enco
     catch (const xercesc_3_0::DOMException&)
     {
         return false;
-    }
-    catch (const xercesc_3_0::OutOfMemoryException&)
-    {
-        throw Nuv::OutOfMemoryException(Nuv::UniString(), SourceFile, __LINE__);
     }
 }
 

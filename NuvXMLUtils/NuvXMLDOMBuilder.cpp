@@ -5,6 +5,7 @@
 #include "InputOutput/Folder.hpp"
 #include "NuvRoot/ValueText.hpp"
 #include "NuvXMLUtils/ChannelCursor.hpp"
+#include "NuvXMLUtils/OutOfMemory.hpp"
 
 #include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/dom/DOMLSException.hpp>
@@ -12,7 +13,6 @@
 #include <xercesc/dom/DOMLSSerializer.hpp>
 #include <xercesc/dom/DOMLSSerializerFilter.hpp>
 #include <xercesc/framework/MemBufFormatTarget.hpp>
-#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLChar.hpp>
 
@@ -34,21 +34,6 @@ constexpr char SourceFile[] = "NuvXMLDOMBuilder";
 constexpr XMLCh EncodingName[] = u"UTF-8";
 
 constexpr XMLCh LineFeed[] = u"\n";
-
-/// Calls Xerces, which turns a failing allocation into an exception of its own, and turns that back into the
-/// application's.
-template <class Call>
-auto WithOwnOutOfMemory(Call call)
-{
-    try
-    {
-        return call();
-    }
-    catch (const xercesc_3_0::OutOfMemoryException&)
-    {
-        throw Nuv::OutOfMemoryException();
-    }
-}
 
 /// Null when Xerces is not running.
 xercesc_3_0::DOMDocument* CreateDocument()

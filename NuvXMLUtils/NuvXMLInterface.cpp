@@ -3,16 +3,15 @@
 #include "NuvRoot/Debug.hpp"
 #include "NuvXMLUtils/NuvXMLDOMBuilder.hpp"
 #include "NuvXMLUtils/NuvXMLDOMReader.hpp"
+#include "NuvXMLUtils/OutOfMemory.hpp"
 #include "NuvXMLUtils/Xerces.hpp"
 
 #include <xercesc/dom/DOMException.hpp>
-#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
 #include <cstring>
 #include <memory>
-#include <new>
 
 namespace NuvXML
 {
@@ -50,17 +49,11 @@ struct InputFactory
 template <class Factory>
 const char* MessageOfFailure()
 {
+    if (IsOutOfMemory())
+        return Factory::NotEnoughMemory;
     try
     {
         throw;
-    }
-    catch (const std::bad_alloc&)
-    {
-        return Factory::NotEnoughMemory;
-    }
-    catch (const xercesc_3_0::OutOfMemoryException&)
-    {
-        return Factory::NotEnoughMemory;
     }
     catch (const typename Factory::OwnException&)
     {

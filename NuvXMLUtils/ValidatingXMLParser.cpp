@@ -3,6 +3,7 @@
 #include "InputOutput/File.hpp"
 #include "NuvRoot/Exceptions.hpp"
 #include "NuvXMLUtils/LocationInputSource.hpp"
+#include "NuvXMLUtils/OutOfMemory.hpp"
 
 #include <xercesc/dom/DOMException.hpp>
 #include <xercesc/dom/DOMImplementation.hpp>
@@ -13,12 +14,9 @@
 #include <xercesc/sax/EntityResolver.hpp>
 #include <xercesc/sax/ErrorHandler.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
-#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLURL.hpp>
 #include <xercesc/validators/common/Grammar.hpp>
-
-#include <new>
 
 namespace
 {
@@ -38,13 +36,11 @@ class NuvEntityResolver : public xercesc_3_0::EntityResolver
         return new (xercesc_3_0::XMLPlatformUtils::fgMemoryManager)
             LocationInputSource(IO::Location(Nuv::UniString(file.getSystemId())));
     }
-    catch (const xercesc_3_0::OutOfMemoryException&)
+    catch (...)
     {
-        return nullptr;
-    }
-    catch (const std::bad_alloc&)
-    {
-        return nullptr;
+        if (NuvXML::IsOutOfMemory())
+            return nullptr;
+        throw;
     }
 };
 
@@ -121,35 +117,14 @@ catch (...)
     return nullptr;
 }
 
-/// Whether the exception that is being handled tells of lack of memory: the application's or Xerces' own.
-bool IsOutOfMemory()
-{
-    try
-    {
-        throw;
-    }
-    catch (const std::bad_alloc&)
-    {
-        return true;
-    }
-    catch (const xercesc_3_0::OutOfMemoryException&)
-    {
-        return true;
-    }
-    catch (...)
-    {
-        return false;
-    }
-}
-
 } // namespace
 
-ValidatingXMLParser::ValidatingXMLParser() { HasParser(); }
+ValidatingXMLParser::ValidatingXMLParser() { EnsureParser(); }
 
 ValidatingXMLParser::~ValidatingXMLParser() = default;
 
 /// Makes a parser where there is none; false when Xerces is not running or memory runs out.
-bool ValidatingXMLParser::HasParser()
+bool ValidatingXMLParser::EnsureParser()
 {
     if (parser || !xercesc_3_0::DOMImplementation::getImplementation())
         return parser != nullptr;
@@ -167,7 +142,7 @@ bool ValidatingXMLParser::HasParser()
 /// Lack of memory leaves the scanner of Xerces in a state from which the next parse would crash.
 void ValidatingXMLParser::HandleUnknownFailure()
 {
-    ranOutOfMemory = IsOutOfMemory();
+    ranOutOfMemory = NuvXML::IsOutOfMemory();
     if (!ranOutOfMemory || !parser)
         return;
     hasLostSchema = hasLostSchema || parser->getDoSchema();
@@ -186,7 +161,7 @@ bool ValidatingXMLParser::LoadSchema(const IO::Location& schema, NodeLocationInf
     }
     try
     {
-        if (!HasParser())
+        if (!EnsureParser())
             throw Nuv::NuvException();
         DOMTreeErrorReporter errorReporter;
         const CallScope call(*parser, errorReporter, nullptr);
@@ -266,7 +241,7 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(const IO::Location& file, V
                                                      Nuv::UniString* errorMessage)
 {
     const FailureReport failure{errorLocation, errorMessage};
-    if (hasLostSchema || !HasParser())
+    if (hasLostSchema || !EnsureParser())
         return failure.Null(FailedToParse);
     const auto source = MakeSource<LocationInputSource>(file);
     ranOutOfMemory = !source;
@@ -285,7 +260,7 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(const unsigned char* buffer
                                                      Nuv::UniString* errorMessage)
 {
     const FailureReport failure{errorLocation, errorMessage};
-    if (hasLostSchema || !HasParser())
+    if (hasLostSchema || !EnsureParser())
         return failure.Null(FailedToParse);
     const auto source = MakeSource<xercesc_3_0::MemBufInputSource>(buffer, size, systemId.ToUTF16());
     ranOutOfMemory = !source;

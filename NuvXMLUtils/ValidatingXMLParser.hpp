@@ -76,7 +76,7 @@ class NUVXMLUTILS_API ValidatingXMLParser
                                     bool createEntityRefNodes, NodeLocations* nodeLocations,
                                     NodeLocationInfo* errorLocation, Nuv::UniString* errorMessage);
 
-    bool HasParser();
+    bool EnsureParser();
     void HandleUnknownFailure();
 
     /// Null when Xerces is not running, and after lack of memory, which leaves a parser unfit for use.
