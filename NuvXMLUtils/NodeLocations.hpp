@@ -11,6 +11,11 @@
 #include <cstddef>
 #include <memory>
 
+namespace NuvXML
+{
+class NodePlaces;
+}
+
 /// Where something stands in the source text.
 struct NodeLocationInfo
 {
@@ -41,6 +46,8 @@ class NUVXMLUTILS_API NodeLocations
     const NodeLocationInfo* Find(const xercesc_3_0::DOMNode* node) const;
 
   private:
+    friend class NuvXML::NodePlaces;
+
     static constexpr size_t BlockSize = 255;
 
     struct Block

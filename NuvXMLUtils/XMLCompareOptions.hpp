@@ -18,6 +18,7 @@
 namespace NuvXML
 {
 
+class DifferenceSearch;
 class IXMLCompareOptions;
 class XMLNodeComparator;
 class XMLValueComparator;
@@ -77,6 +78,7 @@ class NUVXMLUTILS_API IXMLCompareOptions : public Nuv::SharedObject
     virtual bool CanOptionsChangeAndEffectNotChildNodes() const = 0;
 
   private:
+    friend class DifferenceSearch;
     friend class XMLNodeComparator;
     friend void DoXMLCompare(const xercesc_3_0::DOMNode* left, const xercesc_3_0::DOMNode* right,
                              XMLNodeComparator* comparator, xercesc_3_0::DOMNodeFilter* filter,

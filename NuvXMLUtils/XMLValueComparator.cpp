@@ -40,6 +40,24 @@ bool IsWithinEpsilon(double distance, const IXMLCompareOptions* options)
     return epsilon == 0.0 ? distance == 0.0 : epsilon > distance;
 }
 
+bool AreSameTexts(std::u16string_view left, std::u16string_view right)
+{
+    return Nuv::Trimmed(left) == Nuv::Trimmed(right);
+}
+
+/// Compares two values as numbers if they are, else by `areTextsEqual`.
+template <class Predicate>
+bool AreValuesEqual(std::u16string_view left, std::u16string_view right, const IXMLCompareOptions* options,
+                    Predicate areTextsEqual)
+{
+    // Identical texts are numbers whose distance is 0, or equal strings: nothing to parse, unless the
+    // epsilon lets no distance pass at all.
+    if (left == right && IsWithinEpsilon(0.0, options))
+        return true;
+    const std::optional<double> distance = DistanceBetween(left, right);
+    return distance ? IsWithinEpsilon(*distance, options) : areTextsEqual(left, right);
+}
+
 } // namespace
 
 bool XMLValueComparator::CompareValues(const Nuv::UniString& left, const Nuv::UniString& right,
@@ -74,10 +92,7 @@ std::u16string_view XMLValueComparator::RightValue() const
 
 bool XMLCompareString::IsEqual() const { return AreTextsEqual(LeftValue(), RightValue()); }
 
-bool XMLCompareStringCaseSensitive::IsEqual() const
-{
-    return Nuv::Trimmed(LeftValue()) == Nuv::Trimmed(RightValue());
-}
+bool XMLCompareStringCaseSensitive::IsEqual() const { return AreSameTexts(LeftValue(), RightValue()); }
 
 bool XMLCompareInt::IsEqual() const
 {
@@ -94,14 +109,12 @@ bool XMLCompareDouble::IsEqual() const
 
 bool XMLCompareAuto::IsEqual() const
 {
-    const std::u16string_view left = LeftValue();
-    const std::u16string_view right = RightValue();
-    // Identical texts are numbers whose distance is 0, or equal strings: nothing to parse, unless the
-    // epsilon lets no distance pass at all.
-    if (left == right && IsWithinEpsilon(0.0, GetOptions()))
-        return true;
-    const std::optional<double> distance = DistanceBetween(left, right);
-    return distance ? IsWithinEpsilon(*distance, GetOptions()) : AreTextsEqual(left, right);
+    return AreValuesEqual(LeftValue(), RightValue(), GetOptions(), AreTextsEqual);
+}
+
+bool XMLCompareAutoCaseSensitive::IsEqual() const
+{
+    return AreValuesEqual(LeftValue(), RightValue(), GetOptions(), AreSameTexts);
 }
 
 } // namespace NuvXML

@@ -94,4 +94,11 @@ class NUVXMLUTILS_API XMLCompareAuto : public XMLValueComparator
     bool IsEqual() const override;
 };
 
+/// Compares like XMLCompareDouble when both values are numbers, else like XMLCompareStringCaseSensitive.
+class NUVXMLUTILS_API XMLCompareAutoCaseSensitive : public XMLCompareAuto
+{
+  private:
+    bool IsEqual() const override;
+};
+
 } // namespace NuvXML

@@ -2,10 +2,12 @@
 //
 // usage: comparison [left.xml right.xml]
 
-#include "AllDifferences.hpp"
+#include "WithoutTimeStamp.hpp"
 
 #include "InputOutput/Location.hpp"
+#include "NuvXMLUtils/NodePlaces.hpp"
 #include "NuvXMLUtils/ValidatingXMLParser.hpp"
+#include "NuvXMLUtils/XMLDifferences.hpp"
 
 #include <cstdio>
 #include <string>
@@ -46,6 +48,25 @@ void ShowFirstDifference(const char* what, const Document& left, const Document&
     }
 }
 
+void ShowAllDifferences(const Document& left, const Document& right,
+                        const NuvXML::IXMLCompareOptions& options)
+{
+    NuvXML::SkipWhitespaceTextsCompareFilter filter;
+    NuvXML::NodePlaces places;
+    int count = 0;
+    std::printf("All differences:\n");
+    NuvXML::FindDifferences(left.get(), right.get(), &filter, options,
+                            [&](const NuvXML::XMLDifference& difference)
+                            {
+                                ++count;
+                                std::printf("%s\n\tOn the left: %s\n",
+                                            difference.exception.GetText().ToString().c_str(),
+                                            places.PathOf(difference.left).ToString().c_str());
+                                return true; // go on
+                            });
+    std::printf("\n%d differences\n", count);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -64,10 +85,5 @@ int main(int argc, char** argv)
     withoutTimeStamp.SetDoubleEps(Tolerance);
     ShowFirstDifference("The same without the time stamp:", left, right, withoutTimeStamp);
 
-    NuvXML::SkipWhitespaceTextsCompareFilter filter;
-    const auto reports = AllDifferences(*left, *right, filter, Tolerance);
-    std::printf("All differences:\n");
-    for (const Nuv::UniString& report : reports)
-        std::printf("%s\n", report.ToString().c_str());
-    std::printf("\n%zu differences\n", reports.size());
+    ShowAllDifferences(left, right, withoutTimeStamp);
 }

@@ -166,6 +166,22 @@ TEST(XMLCompareAuto, DecidesAsTheComparatorThatFitsBothValues)
             }
 }
 
+TEST(XMLCompareAutoCaseSensitive, DecidesAsTheComparatorThatFitsBothValues)
+{
+    const auto isNumber = [](const Nuv::UniString& text)
+    { return AreEqual<XMLCompareDouble>(text, text, 1e300); };
+    for (const double epsilon : InterestingEpsilons)
+        for (const Nuv::UniString& left : InterestingValues)
+            for (const Nuv::UniString& right : InterestingValues)
+            {
+                const bool expected = isNumber(left) && isNumber(right)
+                                          ? AreEqual<XMLCompareDouble>(left, right, epsilon)
+                                          : AreEqual<XMLCompareStringCaseSensitive>(left, right, epsilon);
+                EXPECT_EQ(AreEqual<XMLCompareAutoCaseSensitive>(left, right, epsilon), expected)
+                    << left << " and " << right << ", epsilon " << epsilon;
+            }
+}
+
 TEST(XMLValueComparator, TakesAMissingTextNodeForTheEmptyText)
 {
     const StrictOrderAutoValueCompareOptions options;

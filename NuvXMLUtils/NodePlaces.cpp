@@ -1,0 +1,154 @@
+#include "NuvXMLUtils/NodePlaces.hpp"
+
+#include "NuvXMLUtils/TextView.hpp"
+
+#include <xercesc/dom/DOMAttr.hpp>
+#include <xercesc/dom/DOMElement.hpp>
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+using xercesc_3_0::DOMAttr;
+using xercesc_3_0::DOMNode;
+using xercesc_3_0::DOMText;
+
+namespace NuvXML
+{
+namespace
+{
+
+/// What a step of a path selects; siblings are counted among those of the same name.
+std::u16string_view StepName(const DOMNode* node)
+{
+    switch (node->getNodeType())
+    {
+    case DOMNode::TEXT_NODE:
+    case DOMNode::CDATA_SECTION_NODE:
+        return u"text()";
+    case DOMNode::COMMENT_NODE:
+        return u"comment()";
+    case DOMNode::PROCESSING_INSTRUCTION_NODE:
+        return u"processing-instruction()";
+    default:
+        return ViewOf(node->getNodeName());
+    }
+}
+
+bool IsText(const DOMNode* node)
+{
+    return node->getNodeType() == DOMNode::TEXT_NODE || node->getNodeType() == DOMNode::CDATA_SECTION_NODE;
+}
+
+const DOMNode* ParentOf(const DOMNode* node)
+{
+    return node->getNodeType() == DOMNode::ATTRIBUTE_NODE
+               ? static_cast<const DOMAttr*>(node)->getOwnerElement()
+               : node->getParentNode();
+}
+
+unsigned int LineFeedsIn(std::u16string_view text)
+{
+    return static_cast<unsigned int>(std::count(text.begin(), text.end(), u'\n'));
+}
+
+} // namespace
+
+NodePlaces::NodePlaces(const NodeLocations* lines)
+    : locations(lines)
+{
+}
+
+NodePlaces::~NodePlaces() = default;
+
+Nuv::UniString NodePlaces::PathOf(const DOMNode* node)
+{
+    if (!node)
+        return {};
+    std::vector<const DOMNode*> upwards;
+    for (; node && node->getNodeType() != DOMNode::DOCUMENT_NODE; node = ParentOf(node))
+        upwards.push_back(node);
+    if (upwards.empty())
+        return u"/";
+    std::u16string path;
+    for (auto step = upwards.rbegin(); step != upwards.rend(); ++step)
+    {
+        const bool isAttribute = (*step)->getNodeType() == DOMNode::ATTRIBUTE_NODE;
+        path.append(isAttribute ? u"/@" : u"/").append(StepName(*step));
+        const unsigned int position = isAttribute ? 0 : PositionOf(*step);
+        if (position != 0)
+            path.append(u"[").append(Nuv::UniString::FromUTF8(std::to_string(position)).View()).append(u"]");
+    }
+    return Nuv::UniString(path);
+}
+
+/// 0 for a node that shares its name with no sibling.
+unsigned int NodePlaces::PositionOf(const DOMNode* node)
+{
+    auto known = positionOfNode.find(node);
+    if (known == positionOfNode.end())
+    {
+        NumberChildrenOf(node->getParentNode());
+        known = positionOfNode.find(node);
+    }
+    return known == positionOfNode.end() ? 0 : known->second;
+}
+
+void NodePlaces::NumberChildrenOf(const DOMNode* parent)
+{
+    if (!parent)
+        return;
+    struct Group
+    {
+        const DOMNode* first;
+        unsigned int count;
+    };
+    std::unordered_map<std::u16string_view, Group> groups;
+    for (const DOMNode* child = parent->getFirstChild(); child; child = child->getNextSibling())
+    {
+        Group& group = groups.try_emplace(StepName(child), Group{child, 0}).first->second;
+        positionOfNode[child] = ++group.count;
+    }
+    for (const auto& [name, group] : groups)
+        if (group.count == 1)
+            positionOfNode[group.first] = 0;
+}
+
+unsigned int NodePlaces::RecordedLineOf(const DOMNode* node)
+{
+    if (locations && lineOfNode.empty())
+        for (const auto* block = locations->first.get(); block; block = block->next.get())
+        {
+            const size_t used = block == locations->last ? locations->usedInLast : NodeLocations::BlockSize;
+            for (size_t i = 0; i < used; ++i)
+                lineOfNode.try_emplace(block->nodes[i], block->locations[i].lineNumber);
+        }
+    const auto found = lineOfNode.find(node);
+    return found == lineOfNode.end() ? 0 : found->second;
+}
+
+unsigned int NodePlaces::LineOf(const DOMNode* node)
+{
+    if (node && IsText(node))
+    {
+        const std::u16string_view value = ViewOf(node->getNodeValue());
+        return LineOf(static_cast<const DOMText*>(node), value.find_last_not_of(u" \t\r\n"));
+    }
+    for (; node; node = ParentOf(node))
+        if (const unsigned int line = RecordedLineOf(node); line != 0)
+            return line;
+    return 0;
+}
+
+unsigned int NodePlaces::LineOf(const DOMText* text, size_t offset)
+{
+    const unsigned int lineOfEnd = RecordedLineOf(text);
+    if (lineOfEnd == 0)
+        return LineOf(ParentOf(text));
+    const std::u16string_view value = ViewOf(text->getNodeValue());
+    const unsigned int below = offset < value.size() ? LineFeedsIn(value.substr(offset)) : 0;
+    return below < lineOfEnd ? lineOfEnd - below : 1;
+}
+
+} // namespace NuvXML

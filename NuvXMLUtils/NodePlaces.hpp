@@ -1,0 +1,56 @@
+/// @file
+/// Where a node stands: its path in the document, with positions, and its line in the source text.
+#pragma once
+
+#include "NuvRoot/UniString.hpp"
+#include "NuvXMLUtils/Export.hpp"
+#include "NuvXMLUtils/NodeLocations.hpp"
+#include "NuvXMLUtils/Xerces.hpp"
+
+#include <xercesc/dom/DOMNode.hpp>
+#include <xercesc/dom/DOMText.hpp>
+
+#include <cstddef>
+#include <unordered_map>
+
+namespace NuvXML
+{
+
+/// Answers for the nodes of one document, which must not change meanwhile. It remembers what it has counted,
+/// so that asking for all nodes of a document takes time in proportion to its size. For one thread.
+class NUVXMLUTILS_API NodePlaces
+{
+  public:
+    /// @param lines what the parse of the document has filled, and remains alive; null when no lines are
+    /// known
+    explicit NodePlaces(const NodeLocations* lines = nullptr);
+    NodePlaces(const NodePlaces&) = delete;
+    NodePlaces& operator=(const NodePlaces&) = delete;
+    ~NodePlaces();
+
+    /// The path of a node as an XPath expression that selects it, such as
+    /// `/Project/Storey[2]/Wall[7]/@height` or `/Project/Name/text()`. A position stands where siblings share
+    /// a name. Names are those of the document, prefix included. `/` for a document, empty for null.
+    Nuv::UniString PathOf(const xercesc_3_0::DOMNode* node);
+
+    /// The line, counted from 1, on which a start tag ends, or on which text ends but for white space; for an
+    /// attribute that of its element. A node whose line was not recorded, such as a processing instruction,
+    /// has that of its parent. 0 when nothing is known.
+    unsigned int LineOf(const xercesc_3_0::DOMNode* node);
+
+    /// The line on which a character of a text stands, if the text was parsed in one piece, as it is unless
+    /// it has several thousand characters or entity references in it.
+    /// @param offset of the character in the node's value
+    unsigned int LineOf(const xercesc_3_0::DOMText* text, size_t offset);
+
+  private:
+    unsigned int PositionOf(const xercesc_3_0::DOMNode* node);
+    void NumberChildrenOf(const xercesc_3_0::DOMNode* parent);
+    unsigned int RecordedLineOf(const xercesc_3_0::DOMNode* node);
+
+    const NodeLocations* locations;
+    std::unordered_map<const xercesc_3_0::DOMNode*, unsigned int> lineOfNode;
+    std::unordered_map<const xercesc_3_0::DOMNode*, unsigned int> positionOfNode;
+};
+
+} // namespace NuvXML
