@@ -1,3 +1,4 @@
+#include "NuvXMLUtils/ParseGuard.hpp"
 #include "NuvXMLUtils/ValidatingXMLParser.hpp"
 
 #include <xercesc/framework/XMLAttr.hpp>
@@ -16,6 +17,15 @@ ValidatingXMLParser::LineInfoParser::LineInfoParser()
 ValidatingXMLParser::LineInfoParser::~LineInfoParser() = default;
 
 void ValidatingXMLParser::LineInfoParser::SetNodeLocations(NodeLocations* store) { nodeLocations = store; }
+
+void ValidatingXMLParser::LineInfoParser::SetGuard(NuvXML::ParseGuard* newGuard)
+{
+    guard = newGuard;
+    if (guard)
+        guard->SetLocator(locator);
+    getScanner()->setSecurityManager(guard ? guard->GetSecurityManager() : nullptr);
+    getScanner()->setLoadSchema(!guard || !guard->GetLimits().forbidExternalEntities);
+}
 
 void ValidatingXMLParser::LineInfoParser::FreeDocument()
 {
@@ -41,6 +51,8 @@ void ValidatingXMLParser::LineInfoParser::startElement(
     const xercesc_3_0::RefVectorOf<xercesc_3_0::XMLAttr>& attrList, XMLSize_t attrCount, bool isEmpty,
     bool isRoot)
 {
+    if (guard)
+        guard->StartElement(attrList, attrCount, isEmpty);
     XercesDOMParser::startElement(declaration, urlId, elemPrefix, attrList, attrCount, isEmpty, isRoot);
     InsertNodeLocInfo();
 }
@@ -49,6 +61,62 @@ void ValidatingXMLParser::LineInfoParser::startEntityReference(const xercesc_3_0
 {
     XercesDOMParser::startEntityReference(declaration);
     InsertNodeLocInfo();
+}
+
+void ValidatingXMLParser::LineInfoParser::endElement(const xercesc_3_0::XMLElementDecl& declaration,
+                                                     unsigned int urlId, bool isRoot, const XMLCh* elemPrefix)
+{
+    if (guard)
+        guard->EndElement();
+    XercesDOMParser::endElement(declaration, urlId, isRoot, elemPrefix);
+}
+
+void ValidatingXMLParser::LineInfoParser::doctypeDecl(const xercesc_3_0::DTDElementDecl& declaration,
+                                                      const XMLCh* publicId, const XMLCh* systemId,
+                                                      bool hasIntSubset, bool hasExtSubset)
+{
+    if (guard)
+        guard->DocumentType();
+    XercesDOMParser::doctypeDecl(declaration, publicId, systemId, hasIntSubset, hasExtSubset);
+}
+
+void ValidatingXMLParser::LineInfoParser::startAttList(const xercesc_3_0::DTDElementDecl& declaration)
+{
+    if (guard)
+        guard->StartAttributeList(declaration);
+    XercesDOMParser::startAttList(declaration);
+}
+
+void ValidatingXMLParser::LineInfoParser::attDef(const xercesc_3_0::DTDElementDecl& element,
+                                                 const xercesc_3_0::DTDAttDef& declaration, bool ignoring)
+{
+    if (guard)
+        guard->AttributeDeclaration(declaration);
+    XercesDOMParser::attDef(element, declaration, ignoring);
+}
+
+void ValidatingXMLParser::LineInfoParser::elementDecl(const xercesc_3_0::DTDElementDecl& declaration,
+                                                      bool isIgnored)
+{
+    if (guard)
+        guard->ElementDeclaration(declaration);
+    XercesDOMParser::elementDecl(declaration, isIgnored);
+}
+
+void ValidatingXMLParser::LineInfoParser::entityDecl(const xercesc_3_0::DTDEntityDecl& declaration,
+                                                     bool isPEDecl, bool isIgnored)
+{
+    if (guard)
+        guard->EntityDeclaration(declaration, isPEDecl);
+    XercesDOMParser::entityDecl(declaration, isPEDecl, isIgnored);
+}
+
+xercesc_3_0::InputSource*
+ValidatingXMLParser::LineInfoParser::resolveEntity(xercesc_3_0::XMLResourceIdentifier* identifier)
+{
+    if (guard)
+        guard->ExternalEntity(*identifier);
+    return XercesDOMParser::resolveEntity(identifier);
 }
 
 void ValidatingXMLParser::LineInfoParser::InsertNodeLocInfo()

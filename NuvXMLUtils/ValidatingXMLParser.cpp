@@ -4,6 +4,7 @@
 #include "NuvRoot/Exceptions.hpp"
 #include "NuvXMLUtils/LocationInputSource.hpp"
 #include "NuvXMLUtils/OutOfMemory.hpp"
+#include "NuvXMLUtils/ParseGuard.hpp"
 
 #include <xercesc/dom/DOMException.hpp>
 #include <xercesc/dom/DOMImplementation.hpp>
@@ -60,11 +61,12 @@ class CallScope
 {
   public:
     CallScope(ValidatingXMLParser::LineInfoParser& borrower, xercesc_3_0::ErrorHandler& errorHandler,
-              xercesc_3_0::EntityResolver* entityResolver)
+              xercesc_3_0::EntityResolver* entityResolver, NuvXML::ParseGuard* guard)
         : parser(borrower)
     {
         parser.setErrorHandler(&errorHandler);
         parser.setEntityResolver(entityResolver);
+        parser.SetGuard(guard);
     }
     CallScope(const CallScope&) = delete;
     CallScope& operator=(const CallScope&) = delete;
@@ -73,6 +75,7 @@ class CallScope
         parser.FreeDocument();
         parser.setErrorHandler(nullptr);
         parser.setEntityResolver(nullptr);
+        parser.SetGuard(nullptr);
     }
 
   private:
@@ -164,7 +167,7 @@ bool ValidatingXMLParser::LoadSchema(const IO::Location& schema, NodeLocationInf
         if (!EnsureParser())
             throw Nuv::NuvException();
         DOMTreeErrorReporter errorReporter;
-        const CallScope call(*parser, errorReporter, nullptr);
+        const CallScope call(*parser, errorReporter, nullptr, nullptr);
         if (!parser->loadGrammar(schema.ToPath().ToUTF16(), xercesc_3_0::Grammar::SchemaGrammarType, true))
             throw Nuv::NuvException();
         parser->setValidationScheme(LineInfoParser::Val_Always);
@@ -215,7 +218,9 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(xercesc_3_0::InputSource& s
         parser->setValidationScheme(validatesAgainstSchema ? LineInfoParser::Val_Always : scheme);
         parser->setDoNamespaces(validatesAgainstSchema);
         parser->setCreateEntityReferenceNodes(createEntityRefNodes);
-        const CallScope call(*parser, errorReporter, &entityResolver);
+        NuvXML::ParseGuard guard(limits);
+        const CallScope call(*parser, errorReporter, &entityResolver,
+                             limits == ParserLimits() ? nullptr : &guard);
         parser->parse(source);
         return parser->adoptDocument();
     }

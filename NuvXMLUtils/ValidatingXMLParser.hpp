@@ -6,13 +6,14 @@
 /// success leaves both untouched. Every pointer argument but a buffer may be null.
 ///
 /// A document that is returned belongs to the caller, who frees it with `release()`. Its URI is that of the
-/// source. There is no limit on the depth of nesting but memory.
+/// source. There is no limit on the depth of nesting, nor on anything else, but memory, unless one is set.
 #pragma once
 
 #include "InputOutput/Location.hpp"
 #include "NuvRoot/UniString.hpp"
 #include "NuvXMLUtils/Export.hpp"
 #include "NuvXMLUtils/NodeLocations.hpp"
+#include "NuvXMLUtils/ParserLimits.hpp"
 #include "NuvXMLUtils/Xerces.hpp"
 
 #include <xercesc/dom/DOMDocument.hpp>
@@ -21,6 +22,11 @@
 #include <xercesc/sax/Locator.hpp>
 
 #include <memory>
+
+namespace NuvXML
+{
+class ParseGuard;
+}
 
 /// A parser that can be used again and again, by one thread at a time.
 ///
@@ -43,6 +49,10 @@ class NUVXMLUTILS_API ValidatingXMLParser
     /// "Could not open the XML Schema file." and "Could not load the XML Schema.".
     bool LoadSchema(const IO::Location& schema, NodeLocationInfo* errorLocation,
                     Nuv::UniString* errorMessage);
+
+    /// Sets the limits for every later Parse, whatever happens in between; `ParserLimits()` lifts them.
+    /// Schemas are trusted: LoadSchema reads what they import and include without limits.
+    void SetLimits(const ParserLimits& newLimits) { limits = newLimits; }
 
     /// Parses a file. The first error ends the parse, a warning does not. The messages are Xerces', or
     /// "Failed to parse XML document".
@@ -82,6 +92,7 @@ class NUVXMLUTILS_API ValidatingXMLParser
     /// Null when Xerces is not running, and after lack of memory, which leaves a parser unfit for use.
     std::unique_ptr<LineInfoParser> parser;
 
+    ParserLimits limits;
     bool ranOutOfMemory = false;
     bool hasLostSchema = false;
 };
@@ -99,6 +110,9 @@ class NUVXMLUTILS_API ValidatingXMLParser::LineInfoParser : public xercesc_3_0::
     /// Sets the store to fill, for all parses to come; null switches recording off. The store is not owned.
     void SetNodeLocations(NodeLocations* store);
 
+    /// Sets what keeps each parse to come within its limits; null, the default, lifts them. Not owned.
+    void SetGuard(NuvXML::ParseGuard* newGuard);
+
     /// Frees a document that nobody has adopted, unless a parse is in progress, as Xerces takes one to be
     /// that lack of memory has ended.
     void FreeDocument();
@@ -110,11 +124,26 @@ class NUVXMLUTILS_API ValidatingXMLParser::LineInfoParser : public xercesc_3_0::
                       XMLSize_t attrCount, bool isEmpty, bool isRoot) override;
     void startEntityReference(const xercesc_3_0::XMLEntityDecl& declaration) override;
 
+    /// @name What a guard is told of
+    /// @{
+    void endElement(const xercesc_3_0::XMLElementDecl& declaration, unsigned int urlId, bool isRoot,
+                    const XMLCh* elemPrefix) override;
+    void doctypeDecl(const xercesc_3_0::DTDElementDecl& declaration, const XMLCh* publicId,
+                     const XMLCh* systemId, bool hasIntSubset, bool hasExtSubset) override;
+    void startAttList(const xercesc_3_0::DTDElementDecl& declaration) override;
+    void attDef(const xercesc_3_0::DTDElementDecl& element, const xercesc_3_0::DTDAttDef& declaration,
+                bool ignoring) override;
+    void elementDecl(const xercesc_3_0::DTDElementDecl& declaration, bool isIgnored) override;
+    void entityDecl(const xercesc_3_0::DTDEntityDecl& declaration, bool isPEDecl, bool isIgnored) override;
+    xercesc_3_0::InputSource* resolveEntity(xercesc_3_0::XMLResourceIdentifier* identifier) override;
+    /// @}
+
   private:
     void InsertNodeLocInfo();
 
     NodeLocations* nodeLocations = nullptr;
     const xercesc_3_0::Locator* locator;
+    NuvXML::ParseGuard* guard = nullptr;
 };
 
 /// @name One document

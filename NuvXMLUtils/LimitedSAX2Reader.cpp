@@ -1,0 +1,177 @@
+#include "NuvXMLUtils/LimitedSAX2Reader.hpp"
+
+#include "NuvXMLUtils/ParseGuard.hpp"
+
+#include <xercesc/parsers/SAX2XMLReaderImpl.hpp>
+#include <xercesc/sax2/DefaultHandler.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+namespace NuvXML
+{
+
+namespace
+{
+
+using xercesc_3_0::SAX2XMLReaderImpl;
+
+/// Takes the place of handlers that are not set.
+class NoHandlers : public xercesc_3_0::DefaultHandler
+{
+  public:
+    void setDocumentLocator(const xercesc_3_0::Locator* newLocator) override { locator = newLocator; }
+
+    const xercesc_3_0::Locator* GetLocator() const { return locator; }
+
+  private:
+    const xercesc_3_0::Locator* locator = nullptr;
+};
+
+/// Tells its guard of events before the caller's handlers. Xerces passes events on only while there is a
+/// handler, so there always is one.
+class LimitedSAX2Reader : public SAX2XMLReaderImpl
+{
+  public:
+    LimitedSAX2Reader(const ParserLimits& limits, xercesc_3_0::XMLGrammarPool* grammarPool)
+        : SAX2XMLReaderImpl(xercesc_3_0::XMLPlatformUtils::fgMemoryManager, grammarPool)
+        , guard(limits)
+    {
+        SetNoHandlers();
+        SAX2XMLReaderImpl::setProperty(xercesc_3_0::XMLUni::fgXercesSecurityManager,
+                                       guard.GetSecurityManager());
+        SAX2XMLReaderImpl::setFeature(xercesc_3_0::XMLUni::fgXercesLoadSchema,
+                                      !limits.forbidExternalEntities);
+    }
+
+    // Handlers.
+
+    void setContentHandler(xercesc_3_0::ContentHandler* handler) override
+    {
+        SAX2XMLReaderImpl::setContentHandler(handler ? handler : &noHandlers);
+    }
+
+    void setErrorHandler(xercesc_3_0::ErrorHandler* handler) override
+    {
+        SAX2XMLReaderImpl::setErrorHandler(handler ? handler : &noHandlers);
+    }
+
+    void setEntityResolver(xercesc_3_0::EntityResolver* resolver) override
+    {
+        SAX2XMLReaderImpl::setEntityResolver(resolver ? resolver : &noHandlers);
+    }
+
+    void setXMLEntityResolver(xercesc_3_0::XMLEntityResolver* resolver) override
+    {
+        if (resolver)
+            SAX2XMLReaderImpl::setXMLEntityResolver(resolver);
+        else
+            setEntityResolver(nullptr);
+    }
+
+    void setDTDHandler(xercesc_3_0::DTDHandler* handler) override
+    {
+        SAX2XMLReaderImpl::setDTDHandler(handler ? handler : &noHandlers);
+    }
+
+    void setLexicalHandler(xercesc_3_0::LexicalHandler* handler) override
+    {
+        SAX2XMLReaderImpl::setLexicalHandler(handler);
+        setDTDHandler(getDTDHandler());
+    }
+
+    void setDeclarationHandler(xercesc_3_0::DeclHandler* handler) override
+    {
+        SAX2XMLReaderImpl::setDeclarationHandler(handler);
+        setDTDHandler(getDTDHandler());
+    }
+
+    // Events.
+
+    void startDocument() override
+    {
+        // Only a content handler is told the locator.
+        xercesc_3_0::ContentHandler* const handler = getContentHandler();
+        SAX2XMLReaderImpl::setContentHandler(&noHandlers);
+        SAX2XMLReaderImpl::startDocument();
+        SAX2XMLReaderImpl::setContentHandler(handler);
+        guard.SetLocator(noHandlers.GetLocator());
+        guard.StartDocument();
+        handler->setDocumentLocator(noHandlers.GetLocator());
+        handler->startDocument();
+    }
+
+    void startElement(const xercesc_3_0::XMLElementDecl& declaration, unsigned int urlId,
+                      const XMLCh* elemPrefix, const xercesc_3_0::RefVectorOf<xercesc_3_0::XMLAttr>& attrList,
+                      XMLSize_t attrCount, bool isEmpty, bool isRoot) override
+    {
+        guard.StartElement(attrList, attrCount, isEmpty);
+        SAX2XMLReaderImpl::startElement(declaration, urlId, elemPrefix, attrList, attrCount, isEmpty, isRoot);
+    }
+
+    void endElement(const xercesc_3_0::XMLElementDecl& declaration, unsigned int urlId, bool isRoot,
+                    const XMLCh* elemPrefix) override
+    {
+        guard.EndElement();
+        SAX2XMLReaderImpl::endElement(declaration, urlId, isRoot, elemPrefix);
+    }
+
+    void doctypeDecl(const xercesc_3_0::DTDElementDecl& declaration, const XMLCh* publicId,
+                     const XMLCh* systemId, bool hasIntSubset, bool hasExtSubset) override
+    {
+        guard.DocumentType();
+        SAX2XMLReaderImpl::doctypeDecl(declaration, publicId, systemId, hasIntSubset, hasExtSubset);
+    }
+
+    void startAttList(const xercesc_3_0::DTDElementDecl& declaration) override
+    {
+        guard.StartAttributeList(declaration);
+        SAX2XMLReaderImpl::startAttList(declaration);
+    }
+
+    void attDef(const xercesc_3_0::DTDElementDecl& element, const xercesc_3_0::DTDAttDef& declaration,
+                bool ignoring) override
+    {
+        guard.AttributeDeclaration(declaration);
+        SAX2XMLReaderImpl::attDef(element, declaration, ignoring);
+    }
+
+    void elementDecl(const xercesc_3_0::DTDElementDecl& declaration, bool isIgnored) override
+    {
+        guard.ElementDeclaration(declaration);
+        SAX2XMLReaderImpl::elementDecl(declaration, isIgnored);
+    }
+
+    void entityDecl(const xercesc_3_0::DTDEntityDecl& declaration, bool isPEDecl, bool isIgnored) override
+    {
+        guard.EntityDeclaration(declaration, isPEDecl);
+        SAX2XMLReaderImpl::entityDecl(declaration, isPEDecl, isIgnored);
+    }
+
+    xercesc_3_0::InputSource* resolveEntity(xercesc_3_0::XMLResourceIdentifier* identifier) override
+    {
+        guard.ExternalEntity(*identifier);
+        return SAX2XMLReaderImpl::resolveEntity(identifier);
+    }
+
+  private:
+    void SetNoHandlers()
+    {
+        SAX2XMLReaderImpl::setContentHandler(&noHandlers);
+        SAX2XMLReaderImpl::setErrorHandler(&noHandlers);
+        SAX2XMLReaderImpl::setEntityResolver(&noHandlers);
+        SAX2XMLReaderImpl::setDTDHandler(&noHandlers);
+    }
+
+    ParseGuard guard;
+    NoHandlers noHandlers;
+};
+
+} // namespace
+
+std::unique_ptr<xercesc_3_0::SAX2XMLReader> CreateSAX2Reader(const ParserLimits& limits,
+                                                             xercesc_3_0::XMLGrammarPool* grammarPool)
+{
+    return std::make_unique<LimitedSAX2Reader>(limits, grammarPool);
+}
+
+} // namespace NuvXML

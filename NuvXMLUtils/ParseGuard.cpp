@@ -1,0 +1,145 @@
+#include "NuvXMLUtils/ParseGuard.hpp"
+
+#include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLString.hpp>
+#include <xercesc/util/XMLURL.hpp>
+
+#include <string>
+
+namespace NuvXML
+{
+
+namespace
+{
+
+using Nuv::UniString;
+
+UniString LimitText(size_t limit) { return UniString(u"the limit of ") + UniString(std::to_string(limit)); }
+
+UniString Quoted(const XMLCh* text) { return UniString(u"'") + UniString(text) + u"'"; }
+
+bool IsEmpty(const XMLCh* text) { return !text || !*text; }
+
+/// The base as Xerces chooses it.
+const XMLCh* BaseOf(const xercesc_3_0::XMLResourceIdentifier& entity)
+{
+    const xercesc_3_0::Locator* const locator = entity.getLocator();
+    return IsEmpty(entity.getBaseURI()) && locator ? locator->getSystemId() : entity.getBaseURI();
+}
+
+/// Whether reading the entity needs the network. For a relative id that depends on where the document is
+/// from.
+bool IsOnNetwork(const xercesc_3_0::XMLResourceIdentifier& entity)
+{
+    xercesc_3_0::XMLURL url;
+    if (!url.setURL(BaseOf(entity), entity.getSystemId(), url) || url.isRelative())
+        return false;
+    const bool isLocalHost =
+        IsEmpty(url.getHost()) || xercesc_3_0::XMLString::equals(url.getHost(), u"localhost");
+    return url.getProtocol() != xercesc_3_0::XMLURL::File || !isLocalHost;
+}
+
+} // namespace
+
+void ParseGuard::StartDocument()
+{
+    depth = 0;
+    defaultAttributes = 0;
+    hasDefaultAttributes = false;
+    hasEntities = false;
+}
+
+void ParseGuard::DocumentType() const
+{
+    if (limits.forbidDocumentTypes)
+        Refuse(u"document types are forbidden");
+}
+
+void ParseGuard::StartAttributeList(const xercesc_3_0::DTDElementDecl& element) const
+{
+    if (hasEntities && RefusesExpansionInDocumentType())
+        Refuse(UniString(u"attributes must be declared before entities where entity expansion is limited; "
+                         u"the list of element ") +
+               Quoted(element.getFullName()) + u" is not");
+}
+
+void ParseGuard::AttributeDeclaration(const xercesc_3_0::DTDAttDef& attribute)
+{
+    if (!attribute.getValue())
+        return;
+    hasDefaultAttributes = true;
+    CheckDeclarationLength(xercesc_3_0::XMLString::stringLen(attribute.getValue()), u"default of attribute ",
+                           attribute.getFullName());
+}
+
+void ParseGuard::ElementDeclaration(const xercesc_3_0::DTDElementDecl& element) const
+{
+    if (limits.maxDeclarationLength == ParserLimits::Unlimited)
+        return;
+    const XMLCh* const contentModel = element.getFormattedContentModel();
+    CheckDeclarationLength(xercesc_3_0::XMLString::stringLen(contentModel), u"content model of element ",
+                           element.getFullName());
+}
+
+void ParseGuard::EntityDeclaration(const xercesc_3_0::DTDEntityDecl& entity, bool isParameterEntity)
+{
+    if (isParameterEntity && RefusesExpansionInDocumentType())
+        Refuse(UniString(u"parameter entities are forbidden where entity expansion is limited; the document "
+                         u"declares ") +
+               Quoted(entity.getName()));
+    hasEntities = hasEntities || !isParameterEntity;
+    if (!entity.isExternal())
+        CheckDeclarationLength(entity.getValueLen(), u"text of entity ", entity.getName());
+}
+
+void ParseGuard::ExternalEntity(const xercesc_3_0::XMLResourceIdentifier& entity) const
+{
+    const XMLCh* const systemId = entity.getSystemId();
+    if (limits.forbidExternalEntities)
+        Refuse(UniString(u"external entities are forbidden; the document refers to ") + Quoted(systemId));
+    if (limits.forbidNetwork && IsOnNetwork(entity))
+        Refuse(UniString(u"the network is forbidden; the document refers to ") + Quoted(systemId));
+}
+
+bool ParseGuard::RefusesExpansionInDocumentType() const
+{
+    return limits.maxEntityExpansions != ParserLimits::Unlimited && !limits.allowExpansionInDocumentType;
+}
+
+void ParseGuard::CheckDeclarationLength(size_t length, const char16_t* kind, const XMLCh* name) const
+{
+    if (length > limits.maxDeclarationLength)
+        Refuse(UniString(u"the ") + kind + Quoted(name) + u" is longer than " +
+               LimitText(limits.maxDeclarationLength) + u" characters");
+}
+
+void ParseGuard::CountDefaultAttributes(const xercesc_3_0::RefVectorOf<xercesc_3_0::XMLAttr>& attributes,
+                                        size_t attributeCount)
+{
+    for (size_t i = 0; i < attributeCount; ++i)
+        defaultAttributes += attributes.elementAt(i)->getSpecified() ? 0 : 1;
+    if (defaultAttributes > limits.maxDefaultAttributes)
+        Refuse(UniString(u"the document type adds more attributes to elements than ") +
+               LimitText(limits.maxDefaultAttributes));
+}
+
+void ParseGuard::RefuseAttributes() const
+{
+    Refuse(UniString(u"an element has more attributes than ") + LimitText(limits.maxAttributes));
+}
+
+void ParseGuard::RefuseNesting() const
+{
+    Refuse(UniString(u"elements are nested deeper than ") + LimitText(limits.maxNesting) + u" levels");
+}
+
+void ParseGuard::Refuse(const UniString& message) const
+{
+    auto* const memory = xercesc_3_0::XMLPlatformUtils::fgMemoryManager;
+    if (locator)
+        throw xercesc_3_0::SAXParseException(message.ToUTF16(), *locator, memory);
+    throw xercesc_3_0::SAXParseException(message.ToUTF16(), nullptr, nullptr, 0, 0, memory);
+}
+
+} // namespace NuvXML
