@@ -60,14 +60,6 @@ class LimitedSAX2Reader : public SAX2XMLReaderImpl
         SAX2XMLReaderImpl::setEntityResolver(resolver ? resolver : &noHandlers);
     }
 
-    void setXMLEntityResolver(xercesc_3_0::XMLEntityResolver* resolver) override
-    {
-        if (resolver)
-            SAX2XMLReaderImpl::setXMLEntityResolver(resolver);
-        else
-            setEntityResolver(nullptr);
-    }
-
     void setDTDHandler(xercesc_3_0::DTDHandler* handler) override
     {
         SAX2XMLReaderImpl::setDTDHandler(handler ? handler : &noHandlers);
@@ -104,8 +96,10 @@ class LimitedSAX2Reader : public SAX2XMLReaderImpl
                       const XMLCh* elemPrefix, const xercesc_3_0::RefVectorOf<xercesc_3_0::XMLAttr>& attrList,
                       XMLSize_t attrCount, bool isEmpty, bool isRoot) override
     {
-        guard.StartElement(attrList, attrCount, isEmpty);
+        guard.StartElement(attrList, attrCount);
         SAX2XMLReaderImpl::startElement(declaration, urlId, elemPrefix, attrList, attrCount, isEmpty, isRoot);
+        if (isEmpty) // which the base then ends by itself
+            guard.EndElement();
     }
 
     void endElement(const xercesc_3_0::XMLElementDecl& declaration, unsigned int urlId, bool isRoot,

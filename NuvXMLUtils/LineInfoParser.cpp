@@ -52,7 +52,7 @@ void ValidatingXMLParser::LineInfoParser::startElement(
     bool isRoot)
 {
     if (guard)
-        guard->StartElement(attrList, attrCount, isEmpty);
+        guard->StartElement(attrList, attrCount);
     XercesDOMParser::startElement(declaration, urlId, elemPrefix, attrList, attrCount, isEmpty, isRoot);
     InsertNodeLocInfo();
 }

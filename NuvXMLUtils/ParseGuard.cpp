@@ -6,6 +6,7 @@
 #include <xercesc/util/XMLURL.hpp>
 
 #include <string>
+#include <string_view>
 
 namespace NuvXML
 {
@@ -18,6 +19,15 @@ using Nuv::UniString;
 UniString LimitText(size_t limit) { return UniString(u"the limit of ") + UniString(std::to_string(limit)); }
 
 UniString Quoted(const XMLCh* text) { return UniString(u"'") + UniString(text) + u"'"; }
+
+/// Whether the text of an entity refers to another one; a reference to a character does not count.
+bool HasReference(std::u16string_view text)
+{
+    for (size_t at = text.find(u'&'); at != text.npos; at = text.find(u'&', at + 1))
+        if (text.substr(at + 1, 1) != u"#")
+            return true;
+    return false;
+}
 
 bool IsEmpty(const XMLCh* text) { return !text || !*text; }
 
@@ -46,6 +56,7 @@ void ParseGuard::StartDocument()
 {
     depth = 0;
     defaultAttributes = 0;
+    referringEntities = 0;
     hasDefaultAttributes = false;
     hasEntities = false;
 }
@@ -89,8 +100,11 @@ void ParseGuard::EntityDeclaration(const xercesc_3_0::DTDEntityDecl& entity, boo
                          u"declares ") +
                Quoted(entity.getName()));
     hasEntities = hasEntities || !isParameterEntity;
-    if (!entity.isExternal())
-        CheckDeclarationLength(entity.getValueLen(), u"text of entity ", entity.getName());
+    if (entity.isExternal())
+        return;
+    CheckDeclarationLength(entity.getValueLen(), u"text of entity ", entity.getName());
+    if (HasReference({entity.getValue(), entity.getValueLen()}))
+        CountReferringEntity();
 }
 
 void ParseGuard::ExternalEntity(const xercesc_3_0::XMLResourceIdentifier& entity) const
@@ -105,6 +119,12 @@ void ParseGuard::ExternalEntity(const xercesc_3_0::XMLResourceIdentifier& entity
 bool ParseGuard::RefusesExpansionInDocumentType() const
 {
     return limits.maxEntityExpansions != ParserLimits::Unlimited && !limits.allowExpansionInDocumentType;
+}
+
+void ParseGuard::CountReferringEntity()
+{
+    if (++referringEntities > limits.maxNesting)
+        Refuse(UniString(u"more entities refer to others than ") + LimitText(limits.maxNesting));
 }
 
 void ParseGuard::CheckDeclarationLength(size_t length, const char16_t* kind, const XMLCh* name) const

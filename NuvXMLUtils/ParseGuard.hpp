@@ -48,22 +48,23 @@ class ParseGuard
     void EntityDeclaration(const xercesc_3_0::DTDEntityDecl& entity, bool isParameterEntity);
     void ExternalEntity(const xercesc_3_0::XMLResourceIdentifier& entity) const;
 
-    void StartElement(const xercesc_3_0::RefVectorOf<xercesc_3_0::XMLAttr>& attributes, size_t attributeCount,
-                      bool isEmpty)
+    void StartElement(const xercesc_3_0::RefVectorOf<xercesc_3_0::XMLAttr>& attributes, size_t attributeCount)
     {
         if (depth >= limits.maxNesting)
             RefuseNesting();
         if (attributeCount > limits.maxAttributes)
             RefuseAttributes();
-        depth += isEmpty ? 0 : 1;
+        ++depth;
         if (hasDefaultAttributes)
             CountDefaultAttributes(attributes, attributeCount);
     }
 
+    /// Empty elements end too.
     void EndElement() { --depth; }
 
   private:
     bool RefusesExpansionInDocumentType() const;
+    void CountReferringEntity();
     void CheckDeclarationLength(size_t length, const char16_t* kind, const XMLCh* name) const;
     void CountDefaultAttributes(const xercesc_3_0::RefVectorOf<xercesc_3_0::XMLAttr>& attributes,
                                 size_t attributeCount);
@@ -76,6 +77,7 @@ class ParseGuard
     const xercesc_3_0::Locator* locator = nullptr;
     size_t depth = 0;
     size_t defaultAttributes = 0;
+    size_t referringEntities = 0;
     bool hasDefaultAttributes = false;
     bool hasEntities = false;
 };

@@ -38,7 +38,8 @@ struct ParserLimits
     /// How many attributes an element may have, those with a default included.
     size_t maxAttributes = Unlimited;
 
-    /// How deep elements are nested; the root is at depth 1.
+    /// How deep elements are nested; the root is at depth 1. Also how many entities may refer to others, for
+    /// that is how deep entities can be nested.
     size_t maxNesting = Unlimited;
 
     /// Refuses a document with a document type, whatever it holds.

@@ -1,0 +1,317 @@
+#include "tests/NuvXMLUtils/UntrustedInput.hpp"
+#include "tests/support/CurrentFolderScope.hpp"
+#include "tests/support/OutsideWorld.hpp"
+#include "tests/support/ScratchFolder.hpp"
+
+#include "NuvXMLUtils/SAXWriters.hpp"
+
+#include <gtest/gtest.h>
+
+#include <xercesc/dom/DOMElement.hpp>
+#include <xercesc/framework/MemBufFormatTarget.hpp>
+#include <xercesc/framework/XMLFormatter.hpp>
+#include <xercesc/sax2/Attributes.hpp>
+#include <xercesc/sax2/DefaultHandler.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+#include <string>
+
+namespace
+{
+
+using Nuv::UniString;
+using NuvTest::Loaded;
+using NuvTest::Refused;
+using NuvTest::Repeat;
+
+const Loaded IsLoaded{true, NuvTest::NoLine, {}};
+const Loaded IsTooDeep = Refused(1, u"elements are nested deeper than the limit of 1 levels");
+
+constexpr char TwoLevels[] = "<a><b/></a>";
+
+ParserLimits OneLevel()
+{
+    ParserLimits limits;
+    limits.maxNesting = 1;
+    return limits;
+}
+
+// The values.
+
+TEST(ParserLimits, AreOffUntilTheyAreSet)
+{
+    const ParserLimits limits;
+    for (const size_t limit : {limits.maxEntityExpansions, limits.maxDeclarationLength,
+                               limits.maxDefaultAttributes, limits.maxAttributes, limits.maxNesting})
+        EXPECT_EQ(limit, ParserLimits::Unlimited);
+    EXPECT_FALSE(limits.allowExpansionInDocumentType || limits.forbidDocumentTypes ||
+                 limits.forbidExternalEntities || limits.forbidNetwork);
+}
+
+TEST(ParserLimits, AreAllSetForUntrustedInputButThatDocumentTypesAreAccepted)
+{
+    const ParserLimits limits = ParserLimits::ForUntrustedInput();
+    EXPECT_EQ(limits.maxEntityExpansions, 10'000u);
+    EXPECT_EQ(limits.maxDeclarationLength, 1'000u);
+    EXPECT_EQ(limits.maxDefaultAttributes, 10'000u);
+    EXPECT_EQ(limits.maxAttributes, 1'000u);
+    EXPECT_EQ(limits.maxNesting, 1'000u);
+    EXPECT_TRUE(limits.forbidExternalEntities && limits.forbidNetwork);
+    EXPECT_FALSE(limits.allowExpansionInDocumentType || limits.forbidDocumentTypes);
+}
+
+TEST(ParserLimits, CountTheExpansionsOfEntitiesExactly)
+{
+    ParserLimits limits;
+    limits.maxEntityExpansions = 3;
+    const std::string declarations = "<!DOCTYPE r [<!ENTITY e 'x'><!ENTITY f '&e;'>]>";
+    const std::string within = declarations + "<r a='&e;&lt;&#65;'>&f;&amp;</r>";
+    const std::string beyond = declarations + "<r a='&e;&e;'>&f;</r>";
+    EXPECT_EQ(NuvTest::LoadTree(within, limits), IsLoaded);
+    EXPECT_EQ(NuvTest::LoadStream(within, limits), IsLoaded);
+    EXPECT_FALSE(NuvTest::LoadTree(beyond, limits).isLoaded);
+    EXPECT_FALSE(NuvTest::LoadStream(beyond, limits).isLoaded);
+}
+
+TEST(ParserLimits, LeaveEntitiesUncountedWhenTheyAreOff)
+{
+    const std::string text = "<!DOCTYPE r [<!ENTITY e ''>]><r>" + Repeat("&e;", 60'000) + "</r>";
+    EXPECT_EQ(NuvTest::LoadTree(text, ParserLimits()), IsLoaded);
+    EXPECT_EQ(NuvTest::LoadStream(text, ParserLimits()), IsLoaded);
+}
+
+TEST(ParserLimits, CanTrustADocumentTypeAndCountTheEntitiesOfTheDocument)
+{
+    ParserLimits limits;
+    limits.maxEntityExpansions = 2;
+    limits.allowExpansionInDocumentType = true;
+    const std::string declarations = "<!DOCTYPE r [<!ENTITY % p '<!ENTITY e \"x\">'>%p;"
+                                     "<!ATTLIST r a CDATA '&e;&e;&e;'>]>";
+    EXPECT_EQ(NuvTest::LoadTree(declarations + "<r>&e;&e;</r>", limits), IsLoaded);
+    EXPECT_FALSE(NuvTest::LoadTree(declarations + "<r>&e;&e;&e;</r>", limits).isLoaded);
+}
+
+// The tree parser.
+
+TEST(UntrustedTree, IsLimitedUntilTheLimitsAreLifted)
+{
+    ValidatingXMLParser parser;
+    EXPECT_EQ(NuvTest::LoadTree(parser, TwoLevels), IsLoaded);
+    parser.SetLimits(OneLevel());
+    for (int i = 0; i < 3; ++i)
+    {
+        EXPECT_EQ(NuvTest::LoadTree(parser, TwoLevels), IsTooDeep);
+        EXPECT_EQ(NuvTest::LoadTree(parser, "<a/>"), IsLoaded);
+        EXPECT_FALSE(parser.RanOutOfMemory());
+    }
+    parser.SetLimits(ParserLimits());
+    EXPECT_EQ(NuvTest::LoadTree(parser, TwoLevels), IsLoaded);
+    EXPECT_EQ(NuvTest::LoadTree(parser, "<!DOCTYPE r [<!ENTITY % p ''>%p;]><r/>"), IsLoaded);
+}
+
+TEST(UntrustedTree, CountsEachDocumentForItself)
+{
+    ValidatingXMLParser parser;
+    ParserLimits limits;
+    limits.maxEntityExpansions = 3;
+    limits.maxDefaultAttributes = 3;
+    parser.SetLimits(limits);
+    const char text[] = "<!DOCTYPE r [<!ATTLIST a b CDATA ''><!ENTITY e '<a/>'>]><r>&e;&e;&e;</r>";
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(NuvTest::LoadTree(parser, text), IsLoaded);
+}
+
+TEST(UntrustedTree, IsTheSameWithinTheLimits)
+{
+    const std::string text = "<!DOCTYPE r [<!ATTLIST a b CDATA 'c'><!ENTITY e 'x<a/>'>]>"
+                             "<r d='&lt;'>&e;<!-- c --><?p i?><![CDATA[<]]>&e;</r>";
+    const auto parse = [&](const ParserLimits& limits)
+    {
+        ValidatingXMLParser parser;
+        parser.SetLimits(limits);
+        return NuvXML::XercesPtr<xercesc_3_0::DOMDocument>(
+            parser.Parse(NuvTest::Bytes(text), static_cast<unsigned int>(text.size()),
+                         ValidatingXMLParser::LineInfoParser::Val_Never, true, UniString(u"memory"), nullptr,
+                         nullptr, nullptr));
+    };
+    const auto plain = parse(ParserLimits());
+    const auto limited = parse(ParserLimits::ForUntrustedInput());
+    ASSERT_TRUE(plain && limited);
+    EXPECT_TRUE(plain->getDocumentElement()->isEqualNode(limited->getDocumentElement()));
+}
+
+class UntrustedTreeWithSchema : public testing::Test
+{
+  protected:
+    UntrustedTreeWithSchema()
+    {
+        scratch.Write("part.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>"
+                                  "<xs:element name='r' type='xs:int'/></xs:schema>");
+        scratch.Write("other.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' "
+                                   "targetNamespace='urn:o'><xs:element name='r'/></xs:schema>");
+        const IO::Location whole(scratch.Write("whole.xsd",
+                                               "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>"
+                                               "<xs:include schemaLocation='part.xsd'/></xs:schema>"));
+        parser.SetLimits(ParserLimits::ForUntrustedInput());
+        EXPECT_TRUE(parser.LoadSchema(whole, nullptr, nullptr)) << "Schemas are trusted.";
+    }
+
+    NuvTest::ScratchFolder scratch;
+    NuvTest::CurrentFolderScope current{scratch.Path()};
+    ValidatingXMLParser parser;
+};
+
+TEST_F(UntrustedTreeWithSchema, IsValidated)
+{
+    EXPECT_EQ(NuvTest::LoadTree(parser, "<r>12</r>"), IsLoaded);
+    EXPECT_FALSE(NuvTest::LoadTree(parser, "<r>twelve</r>").isLoaded);
+    EXPECT_EQ(NuvTest::LoadTree(parser, "<!DOCTYPE r SYSTEM 'r.dtd'><r>12</r>"),
+              Refused(1, u"external entities are forbidden; the document refers to 'r.dtd'"));
+}
+
+TEST_F(UntrustedTreeWithSchema, ReadsNoSchemaAtAHintOfTheDocument)
+{
+    NuvTest::WatchedFolder watch(scratch);
+    const std::string hint = " xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'"
+                             " xsi:schemaLocation='urn:o other.xsd' xsi:noNamespaceSchemaLocation='part.xsd'";
+    EXPECT_EQ(NuvTest::LoadTree(parser, "<r" + hint + ">12</r>"), IsLoaded);
+    const std::string other = "<o:r xmlns:o='urn:o'" + hint + "/>";
+    EXPECT_FALSE(NuvTest::LoadTree(parser, other).isLoaded);
+    EXPECT_FALSE(watch.WasTouched());
+    parser.SetLimits(ParserLimits());
+    EXPECT_EQ(NuvTest::LoadTree(parser, other), IsLoaded);
+    EXPECT_TRUE(watch.WasTouched());
+}
+
+TEST_F(UntrustedTreeWithSchema, AsksNoServerAtAHintOfTheDocument)
+{
+    NuvTest::CountingServer server;
+    ParserLimits limits;
+    limits.forbidNetwork = true;
+    parser.SetLimits(limits);
+    const std::string text = "<o:r xmlns:o='urn:o' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' "
+                             "xsi:schemaLocation='urn:o " +
+                             server.URL() + "'/>";
+    EXPECT_EQ(NuvTest::LoadTree(parser, text),
+              Refused(1, UniString(u"the network is forbidden; the document refers to '") +
+                             UniString::FromUTF8(server.URL()) + u"'"));
+    EXPECT_EQ(server.CountConnections(), 0);
+}
+
+// The stream reader.
+
+/// Counts what a reader tells it.
+class CountingHandler : public xercesc_3_0::DefaultHandler
+{
+  public:
+    int locators = 0;
+    int documents = 0;
+    int elements = 0;
+    int entities = 0;
+    int declarations = 0;
+    int fatalErrors = 0;
+    int resolved = 0;
+
+    void setDocumentLocator(const xercesc_3_0::Locator*) override { ++locators; }
+    void startDocument() override { ++documents; }
+    void startElement(const XMLCh*, const XMLCh*, const XMLCh*, const xercesc_3_0::Attributes&) override
+    {
+        ++elements;
+    }
+    void startEntity(const XMLCh*) override { ++entities; }
+    void internalEntityDecl(const XMLCh*, const XMLCh*) override { ++declarations; }
+    void fatalError(const xercesc_3_0::SAXParseException&) override { ++fatalErrors; }
+    xercesc_3_0::InputSource* resolveEntity(const XMLCh*, const XMLCh*) override
+    {
+        ++resolved;
+        return nullptr;
+    }
+};
+
+constexpr char SmallDocument[] = "<!DOCTYPE r [<!ENTITY e '<a/>'>]><r>&e;&e;</r>";
+
+TEST(UntrustedStream, LeavesAllHandlersToTheCaller)
+{
+    const auto reader = NuvXML::CreateSAX2Reader(ParserLimits::ForUntrustedInput());
+    CountingHandler handler;
+    reader->setContentHandler(&handler);
+    reader->setLexicalHandler(&handler);
+    reader->setDeclarationHandler(&handler);
+    reader->setDTDHandler(&handler);
+    EXPECT_EQ(NuvTest::LoadStream(*reader, SmallDocument), IsLoaded);
+    EXPECT_EQ(handler.locators, 1);
+    EXPECT_EQ(handler.documents, 1);
+    EXPECT_EQ(handler.elements, 3);
+    EXPECT_EQ(handler.entities, 2);
+    EXPECT_EQ(handler.declarations, 1);
+}
+
+TEST(UntrustedStream, IsLimitedWithoutHandlersToo)
+{
+    const auto reader = NuvXML::CreateSAX2Reader(OneLevel());
+    EXPECT_EQ(NuvTest::LoadStream(*reader, TwoLevels), IsTooDeep);
+    reader->setContentHandler(nullptr);
+    reader->setErrorHandler(nullptr);
+    reader->setDTDHandler(nullptr);
+    reader->setLexicalHandler(nullptr);
+    reader->setDeclarationHandler(nullptr);
+    reader->setEntityResolver(nullptr);
+    EXPECT_EQ(NuvTest::LoadStream(*reader, TwoLevels), IsTooDeep);
+    EXPECT_EQ(NuvTest::LoadStream(*reader, "<a/>"), IsLoaded);
+}
+
+TEST(UntrustedStream, RefusesDocumentTypesWhateverHandlersAreTakenAway)
+{
+    ParserLimits limits;
+    limits.forbidDocumentTypes = true;
+    const auto reader = NuvXML::CreateSAX2Reader(limits);
+    CountingHandler handler;
+    reader->setLexicalHandler(&handler);
+    reader->setLexicalHandler(nullptr);
+    const Loaded refused = Refused(1, u"document types are forbidden");
+    EXPECT_EQ(NuvTest::LoadStream(*reader, SmallDocument), refused);
+    reader->setDeclarationHandler(nullptr);
+    EXPECT_EQ(NuvTest::LoadStream(*reader, SmallDocument), refused);
+    reader->setDTDHandler(nullptr);
+    EXPECT_EQ(NuvTest::LoadStream(*reader, SmallDocument), refused);
+}
+
+TEST(UntrustedStream, DoesNotAskTheResolverOrTheErrorHandlerOfTheCaller)
+{
+    const auto reader = NuvXML::CreateSAX2Reader(ParserLimits::ForUntrustedInput());
+    CountingHandler handler;
+    reader->setEntityResolver(&handler);
+    reader->setErrorHandler(&handler);
+    EXPECT_EQ(NuvTest::LoadStream(*reader, "<!DOCTYPE r SYSTEM 'r.dtd'><r/>"),
+              Refused(1, u"external entities are forbidden; the document refers to 'r.dtd'"));
+    EXPECT_EQ(handler.resolved, 0);
+    EXPECT_EQ(handler.fatalErrors, 0);
+}
+
+TEST(UntrustedStream, TellsTheErrorHandlerOfTooManyEntities)
+{
+    ParserLimits limits;
+    limits.maxEntityExpansions = 1;
+    const auto reader = NuvXML::CreateSAX2Reader(limits);
+    EXPECT_FALSE(NuvTest::LoadStream(*reader, SmallDocument).isLoaded);
+    CountingHandler handler;
+    reader->setErrorHandler(&handler);
+    NuvTest::LoadStream(*reader, SmallDocument);
+    EXPECT_EQ(handler.fatalErrors, 1);
+}
+
+TEST(UntrustedStream, CanBeEchoed)
+{
+    xercesc_3_0::MemBufFormatTarget target;
+    xercesc_3_0::XMLFormatter formatter(xercesc_3_0::XMLUni::fgUTF8EncodingString, &target,
+                                        xercesc_3_0::XMLFormatter::NoEscapes,
+                                        xercesc_3_0::XMLFormatter::UnRep_CharRef);
+    NuvXML::SAX2Writer writer(formatter, false);
+    const auto reader = NuvXML::CreateSAX2Reader(ParserLimits::ForUntrustedInput());
+    reader->setContentHandler(&writer);
+    EXPECT_EQ(NuvTest::LoadStream(*reader, "<r a='1'>text<b>&lt;</b></r>"), IsLoaded);
+    const std::string echo(reinterpret_cast<const char*>(target.getRawBuffer()), target.getLen());
+    EXPECT_NE(echo.find("<r a=\"1\">text<b>&lt;</b></r>"), echo.npos) << echo;
+}
+
+} // namespace
