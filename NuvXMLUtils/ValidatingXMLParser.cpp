@@ -45,14 +45,27 @@ class NuvEntityResolver : public xercesc_3_0::EntityResolver
     }
 };
 
-/// Ends the parse with the first error; warnings are dropped.
+/// Ends the parse with the first error that its owner does not take; warnings are dropped.
 class DOMTreeErrorReporter : public xercesc_3_0::ErrorHandler
 {
   public:
+    explicit DOMTreeErrorReporter(ValidatingXMLParser::ErrorHandler ownersHandler = {})
+        : handler(std::move(ownersHandler))
+    {
+    }
+
     void warning(const xercesc_3_0::SAXParseException&) override {}
-    void error(const xercesc_3_0::SAXParseException& exception) override { throw exception; }
+    void error(const xercesc_3_0::SAXParseException& exception) override
+    {
+        if (!handler)
+            throw exception;
+        handler({static_cast<unsigned int>(exception.getLineNumber())}, exception.getMessage());
+    }
     void fatalError(const xercesc_3_0::SAXParseException& exception) override { throw exception; }
     void resetErrors() override {}
+
+  private:
+    ValidatingXMLParser::ErrorHandler handler;
 };
 
 /// One call of the parser: it has its handlers for the time of the call only, for they do not outlive it.
@@ -211,7 +224,7 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(xercesc_3_0::InputSource& s
     parser->SetNodeLocations(nodeLocations);
     try
     {
-        DOMTreeErrorReporter errorReporter;
+        DOMTreeErrorReporter errorReporter(errorHandler);
         NuvEntityResolver entityResolver;
         parser->reset();
         const bool validatesAgainstSchema = parser->getDoSchema();

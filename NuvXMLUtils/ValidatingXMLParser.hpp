@@ -21,7 +21,9 @@
 #include <xercesc/sax/InputSource.hpp>
 #include <xercesc/sax/Locator.hpp>
 
+#include <functional>
 #include <memory>
+#include <utility>
 
 namespace NuvXML
 {
@@ -54,8 +56,16 @@ class NUVXMLUTILS_API ValidatingXMLParser
     /// Schemas are trusted: LoadSchema reads what they import and include without limits.
     void SetLimits(const ParserLimits& newLimits) { limits = newLimits; }
 
-    /// Parses a file. The first error ends the parse, a warning does not. The messages are Xerces', or
-    /// "Failed to parse XML document".
+    /// Takes an error that lets a parse go on, such as a breach of the schema.
+    using ErrorHandler = std::function<void(const NodeLocationInfo& location, const Nuv::UniString& message)>;
+
+    /// Has every such error of each later Parse given to `handler`, instead of ending the parse with the
+    /// first one: Parse then gives the document for all that. An empty handler, the default, restores that.
+    /// What the handler throws ends the parse like an error of another kind.
+    void SetErrorHandler(ErrorHandler handler) { errorHandler = std::move(handler); }
+
+    /// Parses a file. The first error ends the parse, unless there is an error handler; a warning does not.
+    /// The messages are Xerces', or "Failed to parse XML document".
     /// @param scheme when to validate, while no schema is loaded
     /// @param createEntityRefNodes whether entity references become nodes, with the content below
     /// @param nodeLocations is filled with the line of each element, text, comment and entity reference
@@ -93,6 +103,7 @@ class NUVXMLUTILS_API ValidatingXMLParser
     std::unique_ptr<LineInfoParser> parser;
 
     ParserLimits limits;
+    ErrorHandler errorHandler;
     bool ranOutOfMemory = false;
     bool hasLostSchema = false;
 };
