@@ -1,0 +1,83 @@
+#include "ToolTest.hpp"
+
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using namespace ToolTests;
+using testing::HasSubstr;
+
+std::string Contents(const char* path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// What bash offers behind a command line whose last word is unfinished.
+std::vector<std::string> CompletionsOf(const std::string& line)
+{
+    const std::string script = "source " NUVXML_COMPLETION "; COMP_WORDS=(" + line + "); [[ '" + line +
+                               "' == *' ' ]] && COMP_WORDS+=(''); "
+                               "COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _nuvxml; "
+                               "echo \"${COMPREPLY[@]}\"";
+    std::istringstream words(NuvTest::RunProcess({"bash", "-c", script}).output);
+    return {std::istream_iterator<std::string>(words), {}};
+}
+
+TEST(ToolManual, TellsOfEveryOptionThatHelpShows)
+{
+    const std::string manual = Contents(NUVXML_MANUAL);
+    for (const char* command : {"compare", "print", "validate", "echo", "lines"})
+    {
+        EXPECT_THAT(manual, HasSubstr(std::string(".SS nuvxml ") + command + " "));
+        std::istringstream help(NuvTest::RunProcess({NUVXML_PROGRAM, command, "--help"}).output);
+        for (std::string word; help >> word;)
+            if (word.rfind("--", 0) == 0 && word.size() > 2)
+            {
+                std::string name;
+                for (const char character : word)
+                    name += character == '-' ? std::string("\\-") : std::string(1, character);
+                EXPECT_THAT(manual, HasSubstr(name)) << command;
+            }
+    }
+}
+
+TEST(ToolManual, IsAPageWithoutAFault)
+{
+    const NuvTest::ProcessResult page =
+        NuvTest::RunProcess({"groff", "-man", "-Tutf8", "-ww", "-z", NUVXML_MANUAL});
+    EXPECT_EQ(page.status, 0);
+    EXPECT_EQ(page.errors, "");
+}
+
+TEST(ToolCompletion, OffersTheSubcommandsFirst)
+{
+    EXPECT_THAT(CompletionsOf("nuvxml "),
+                testing::IsSupersetOf({"compare", "print", "validate", "echo", "lines"}));
+    EXPECT_THAT(CompletionsOf("nuvxml va"), testing::ElementsAre("validate"));
+}
+
+TEST(ToolCompletion, OffersTheOptionsOfASubcommand)
+{
+    EXPECT_THAT(CompletionsOf("nuvxml compare --ig"), testing::ElementsAre("--ignore-attribute"));
+    EXPECT_THAT(CompletionsOf("nuvxml print --"), testing::IsSupersetOf({"--encoding", "--output"}));
+}
+
+TEST(ToolCompletion, OffersTheWordsThatAnOptionTakes)
+{
+    EXPECT_THAT(CompletionsOf("nuvxml compare 1.xml 2.xml --format "),
+                testing::UnorderedElementsAre("json", "text"));
+    EXPECT_THAT(CompletionsOf("nuvxml compare --color a"), testing::UnorderedElementsAre("always", "auto"));
+}
+
+TEST(ToolCompletion, LeavesFilesToBash)
+{
+    EXPECT_THAT(CompletionsOf("nuvxml print some"), testing::IsEmpty());
+}
+
+} // namespace

@@ -1,0 +1,167 @@
+#include "Commands.hpp"
+#include "CompareRules.hpp"
+#include "Differences.hpp"
+#include "Folders.hpp"
+#include "Input.hpp"
+#include "Trouble.hpp"
+
+#include "NuvXMLUtils/XMLCompare.hpp"
+#include "NuvXMLUtils/XMLDifferences.hpp"
+
+#include <exception>
+#include <future>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Tool
+{
+namespace
+{
+
+/// Compares pairs of files by the same settings.
+class FileComparison
+{
+  public:
+    FileComparison(const CompareSettings& chosen, DifferenceReporter& target)
+        : settings(chosen)
+        , reporter(target)
+        , rules(chosen)
+        , filter(chosen)
+    {
+    }
+
+    /// Whether two files are equal; reports their differences.
+    bool AreEqual(const std::string& leftPath, const std::string& rightPath)
+    {
+        // Both at once: to parse them takes most of the time.
+        std::future<std::unique_ptr<Document>> leftRead =
+            std::async(std::launch::async, [&] { return Read(leftPath); });
+        std::unique_ptr<Document> right;
+        std::exception_ptr rightTrouble;
+        try
+        {
+            right = Read(rightPath);
+        }
+        catch (...)
+        {
+            rightTrouble = std::current_exception();
+        }
+        const std::unique_ptr<Document> left = leftRead.get();
+        if (rightTrouble)
+            std::rethrow_exception(rightTrouble);
+        return AreEqual(*left, *right);
+    }
+
+  private:
+    std::unique_ptr<Document> Read(const std::string& path) const
+    {
+        return std::make_unique<Document>(path, false, settings.trusted);
+    }
+
+    bool AreEqual(Document& left, Document& right)
+    {
+        try
+        {
+            NuvXML::XMLCompareStrictOrder comparator;
+            NuvXML::DoXMLCompare(&left.DOM(), &right.DOM(), &comparator, &filter, rules);
+            return true;
+        }
+        catch (const NuvXML::XMLCompareException&)
+        {
+            // The search below knows the nodes too.
+        }
+        NuvXML::FindDifferences(&left.DOM(), &right.DOM(), &filter, rules,
+                                [&](const NuvXML::XMLDifference& difference)
+                                {
+                                    reporter.Report(difference, left, right);
+                                    return settings.all;
+                                });
+        return false;
+    }
+
+    const CompareSettings& settings;
+    DifferenceReporter& reporter;
+    CompareRules rules;
+    CompareFilter filter;
+};
+
+/// What the comparison of two folders comes to.
+struct Totals
+{
+    size_t equal = 0;
+    size_t different = 0;
+    size_t missing = 0;
+    size_t troubled = 0;
+
+    ExitStatus Status() const
+    {
+        if (troubled != 0)
+            return Failure;
+        return different + missing != 0 ? Findings : Success;
+    }
+
+    std::string Text() const
+    {
+        return std::to_string(equal) + " equal, " + std::to_string(different) + " different, " +
+               std::to_string(missing) + " missing, " + std::to_string(troubled) + " in trouble";
+    }
+};
+
+void CompareFile(FileComparison& comparison, const FilePair& pair, Totals& totals, Progress& progress)
+try
+{
+    ++(comparison.AreEqual(pair.left, pair.right) ? totals.equal : totals.different);
+}
+catch (const Trouble& trouble)
+{
+    ++totals.troubled;
+    progress.Clear();
+    std::cerr << "nuvxml: " << trouble.what() << '\n';
+}
+
+ExitStatus CompareFolders(const CompareSettings& settings, DifferenceReporter& reporter, Output& output)
+{
+    const std::vector<FilePair> pairs = FilesOfFolders(settings.left, settings.right, settings.extensions);
+    FileComparison comparison(settings, reporter);
+    Progress progress("Compared", pairs.size());
+    Totals totals;
+    for (const FilePair& pair : pairs)
+    {
+        if (pair.presence == FilePair::OnBothSides)
+            CompareFile(comparison, pair, totals, progress);
+        else
+        {
+            const bool isMissingOnLeft = pair.presence == FilePair::OnlyOnRight;
+            reporter.ReportMissing(isMissingOnLeft ? pair.right : pair.left,
+                                   isMissingOnLeft ? pair.left : pair.right, isMissingOnLeft);
+            ++totals.missing;
+        }
+        if (output.IsPending())
+            progress.Clear();
+        output.Flush();
+        progress.Advance();
+    }
+    progress.Clear();
+    reporter.ReportTotals(totals.Text());
+    return totals.Status();
+}
+
+} // namespace
+
+ExitStatus Compare(const CompareSettings& settings, Output& output)
+{
+    const std::unique_ptr<DifferenceReporter> reporter = MakeReporter(settings, output);
+    if (settings.left == StandardInput && settings.right == StandardInput)
+        throw Trouble("standard input can be read once only");
+    const bool leftIsFolder = IsFolder(settings.left);
+    if (leftIsFolder != IsFolder(settings.right))
+        throw Trouble((leftIsFolder ? settings.left : settings.right) +
+                      ": is a folder, and the other is not");
+    if (leftIsFolder)
+        return CompareFolders(settings, *reporter, output);
+    return FileComparison(settings, *reporter).AreEqual(settings.left, settings.right) ? Success : Findings;
+}
+
+} // namespace Tool

@@ -1,0 +1,99 @@
+#include "Folders.hpp"
+
+#include "Input.hpp"
+#include "Trouble.hpp"
+
+#include "NuvRoot/UniString.hpp"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <set>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+namespace Tool
+{
+namespace
+{
+
+bool HasExtension(const fs::path& file, const std::vector<std::string>& extensions)
+{
+    const Nuv::UniString extension = Nuv::UniString::FromUTF8(file.extension().string());
+    return std::any_of(extensions.begin(), extensions.end(),
+                       [&](const std::string& wanted)
+                       {
+                           const std::string dotted = (wanted.rfind('.', 0) == 0 ? "" : ".") + wanted;
+                           return extension.IsEqual(Nuv::UniString::FromUTF8(dotted), Nuv::CaseInsensitive);
+                       });
+}
+
+std::set<std::string> FilesBelow(const std::string& folder, const std::vector<std::string>& extensions)
+try
+{
+    std::set<std::string> names;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder))
+        if (entry.is_regular_file() && HasExtension(entry.path(), extensions))
+            names.insert(entry.path().lexically_relative(folder).string());
+    return names;
+}
+catch (const fs::filesystem_error& error)
+{
+    throw FileTrouble(error.path1().empty() ? folder : error.path1().string(), error.code().value());
+}
+
+} // namespace
+
+bool IsFolder(const std::string& path)
+{
+    std::error_code notThere;
+    return path != StandardInput && fs::is_directory(path, notThere);
+}
+
+std::vector<FilePair> FilesOfFolders(const std::string& left, const std::string& right,
+                                     const std::vector<std::string>& extensions)
+{
+    const std::set<std::string> onLeft = FilesBelow(left, extensions);
+    const std::set<std::string> onRight = FilesBelow(right, extensions);
+    std::set<std::string> names = onLeft;
+    names.insert(onRight.begin(), onRight.end());
+    std::vector<FilePair> pairs;
+    for (const std::string& name : names)
+    {
+        const FilePair::Presence presence = onRight.count(name) == 0  ? FilePair::OnlyOnLeft
+                                            : onLeft.count(name) == 0 ? FilePair::OnlyOnRight
+                                                                      : FilePair::OnBothSides;
+        pairs.push_back({(fs::path(left) / name).string(), (fs::path(right) / name).string(), presence});
+    }
+    return pairs;
+}
+
+Progress::Progress(const char* whatIsDone, size_t numberOfSteps)
+    : word(whatIsDone)
+    , total(numberOfSteps)
+    , isTerminal(isatty(STDERR_FILENO) != 0)
+    , next(Clock::now() + std::chrono::seconds(1))
+{
+}
+
+void Progress::Advance()
+{
+    ++done;
+    if (!isTerminal || Clock::now() < next)
+        return;
+    std::fprintf(stderr, "\r%s %zu of %zu files", word, done, total);
+    isShown = true;
+    next = Clock::now() + std::chrono::milliseconds(100);
+}
+
+void Progress::Clear()
+{
+    if (isShown)
+        std::fputs("\r\x1B[K", stderr);
+    isShown = false;
+}
+
+} // namespace Tool

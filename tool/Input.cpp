@@ -1,0 +1,210 @@
+#include "Input.hpp"
+
+#include "Output.hpp"
+#include "Trouble.hpp"
+
+#include <fcntl.h>
+#include <unistd.h>
+#include <xercesc/util/TransService.hpp>
+#include <xercesc/util/XMLException.hpp>
+
+#include <cerrno>
+#include <filesystem>
+#include <limits>
+#include <string_view>
+#include <system_error>
+
+using xercesc_3_0::DOMDocument;
+
+namespace Tool
+{
+namespace
+{
+
+/// An open file, or standard input, which stays open.
+class OpenFile
+{
+  public:
+    /// @throws Trouble
+    explicit OpenFile(const std::string& path)
+        : name(DisplayName(path))
+        , isStandardInput(path == StandardInput)
+        , descriptor(isStandardInput ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC))
+    {
+        if (descriptor < 0)
+            throw FileTrouble(name, errno);
+    }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+    ~OpenFile()
+    {
+        if (!isStandardInput)
+            close(descriptor);
+    }
+
+    /// Up to `capacity` bytes, and none only at the end.
+    /// @throws Trouble
+    size_t Read(void* bytes, size_t capacity) const
+    {
+        for (;;)
+        {
+            const ssize_t count = read(descriptor, bytes, capacity);
+            if (count >= 0)
+                return static_cast<size_t>(count);
+            if (errno != EINTR)
+                throw FileTrouble(name, errno);
+        }
+    }
+
+  private:
+    std::string name;
+    bool isStandardInput;
+    int descriptor;
+};
+
+class FileStream : public xercesc_3_0::BinInputStream
+{
+  public:
+    explicit FileStream(const std::string& path)
+        : file(path)
+    {
+    }
+
+    XMLFilePos curPos() const override { return position; }
+
+    XMLSize_t readBytes(XMLByte* toFill, XMLSize_t maxToRead) override
+    {
+        const size_t count = file.Read(toFill, maxToRead);
+        position += count;
+        return count;
+    }
+
+    const XMLCh* getContentType() const override { return nullptr; }
+
+  private:
+    OpenFile file;
+    XMLFilePos position = 0;
+};
+
+/// Nothing for text that cannot be decoded; it has been parsed before, so that is rare.
+std::u16string Decoded(const std::string& bytes, const XMLCh* encoding)
+try
+{
+    const std::string encodingName = encoding ? Nuv::UniString(encoding).ToUTF8() : "UTF-8";
+    const xercesc_3_0::TranscodeFromStr decoded(reinterpret_cast<const XMLByte*>(bytes.data()), bytes.size(),
+                                                encodingName.c_str());
+    return std::u16string(decoded.str(), decoded.length());
+}
+catch (const xercesc_3_0::XMLException&)
+{
+    return {};
+}
+
+/// The starts of the lines, as XML counts them: CR LF is one end of a line, as is each of them alone.
+std::vector<size_t> LineStarts(std::u16string_view text)
+{
+    std::vector<size_t> starts{0};
+    for (size_t i = 0; i < text.size(); ++i)
+        if (text[i] == u'\n' || (text[i] == u'\r' && (i + 1 == text.size() || text[i + 1] != u'\n')))
+            starts.push_back(i + 1);
+    return starts;
+}
+
+bool IsFirstHalf(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
+
+} // namespace
+
+std::string DisplayName(const std::string& path) { return path == StandardInput ? "(standard input)" : path; }
+
+std::string ReadAll(const std::string& path)
+{
+    const OpenFile file(path);
+    std::error_code unknown;
+    const auto size = std::filesystem::file_size(path, unknown);
+    constexpr size_t BlockSize = 0x10000;
+    std::string bytes(unknown ? BlockSize : static_cast<size_t>(size) + 1, '\0'); // one more, to see the end
+    size_t used = 0;
+    while (const size_t count = file.Read(bytes.data() + used, bytes.size() - used))
+    {
+        used += count;
+        if (used == bytes.size())
+            bytes.resize(2 * used);
+    }
+    bytes.resize(used);
+    return bytes;
+}
+
+FileSource::FileSource(const std::string& file)
+    : path(file)
+{
+    setSystemId(Nuv::UniString::FromUTF8(file).ToUTF16());
+}
+
+xercesc_3_0::BinInputStream* FileSource::makeStream() const { return new FileStream(path); }
+
+ParserLimits LimitsFor(bool trusted) { return trusted ? ParserLimits() : ParserLimits::ForUntrustedInput(); }
+
+NuvXML::XercesPtr<DOMDocument> ParseAll(ValidatingXMLParser& parser, const std::string& path,
+                                        const std::string& bytes, ValidatingXMLParser::ValSchemes scheme,
+                                        bool createEntityRefNodes, NodeLocations* locations,
+                                        NodeLocationInfo& place, Nuv::UniString& message)
+{
+    if (bytes.size() > std::numeric_limits<unsigned int>::max())
+        throw Trouble(DisplayName(path) + ": a document of 4 GiB or more can only be echoed");
+    return NuvXML::XercesPtr<DOMDocument>(parser.Parse(
+        reinterpret_cast<const unsigned char*>(bytes.data()), static_cast<unsigned int>(bytes.size()), scheme,
+        createEntityRefNodes, Nuv::UniString::FromUTF8(path), locations, &place, &message));
+}
+
+SourceText::SourceText(const std::string& bytes, const DOMDocument& document)
+    : text(Decoded(bytes, document.getInputEncoding()))
+    , starts(LineStarts(text))
+{
+}
+
+Nuv::UniString SourceText::Line(unsigned int number) const
+{
+    if (number == 0 || number > starts.size())
+        return {};
+    const size_t start = starts[number - 1];
+    const size_t end = number < starts.size() ? starts[number] : text.size();
+    Nuv::UniString line(std::u16string_view(text).substr(start, end - start));
+    if (number == 1)
+        line.ReplaceAll(u"\uFEFF", u"");
+    line.Trim();
+    constexpr size_t MaxLength = 200;
+    if (line.GetLength() <= MaxLength)
+        return line;
+    const std::u16string_view cut = line.View().substr(0, MaxLength);
+    return Nuv::UniString(cut.substr(0, IsFirstHalf(cut.back()) ? MaxLength - 1 : MaxLength)) + u" ...";
+}
+
+std::string FaultText(const std::string& file, unsigned int line, const Nuv::UniString& message)
+{
+    return file + ":" + (line != 0 ? std::to_string(line) + ":" : "") + " " + Printable(message);
+}
+
+Document::Document(const std::string& path, bool createEntityRefNodes, bool trusted)
+    : name(DisplayName(path))
+    , bytes(ReadAll(path))
+{
+    ValidatingXMLParser parser;
+    parser.SetLimits(LimitsFor(trusted));
+    NodeLocationInfo place;
+    Nuv::UniString message;
+    document = ParseAll(parser, path, bytes, ValidatingXMLParser::LineInfoParser::Val_Never,
+                        createEntityRefNodes, &locations, place, message);
+    if (!document)
+        throw Trouble(FaultText(name, place.lineNumber, message));
+}
+
+Document::~Document() = default;
+
+Nuv::UniString Document::SourceLine(unsigned int number)
+{
+    if (!source)
+        source.emplace(bytes, *document);
+    return source->Line(number);
+}
+
+} // namespace Tool
