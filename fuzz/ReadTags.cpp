@@ -1,19 +1,14 @@
-// Any document, read as tags: every getter gives a value or throws ConvException, and the first byte chooses
-// the code page of the 8-bit ones.
+// Any document, read as tags in two code pages: every getter gives a value or throws ConvException.
+
+#include "fuzz/Support.hpp"
 
 #include "NuvXMLUtils/DOMHelpers.hpp"
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
-
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
 
 namespace
 {
 
+using namespace Fuzz;
 using namespace NuvXMLUtils;
-using xercesc_3_0::DOMElement;
-using xercesc_3_0::DOMNode;
 
 template <class Read>
 void Try(Read read)
@@ -48,8 +43,7 @@ void ReadElement(const DOMElement* element)
     const Nuv::UniString name(element->getTagName());
     Nuv::UniString text;
     int number = 0;
-    if (!ReadTextNode(element, name, text) || !ReadLongNode(element, name, number))
-        std::abort();
+    Check(ReadTextNode(element, name, text) && ReadLongNode(element, name, number));
 }
 
 void Walk(const DOMElement* element)
@@ -70,8 +64,7 @@ void Walk(const DOMElement* element)
         Walk(child);
         ++children;
     }
-    if (children != GetChildElementCount(element))
-        std::abort();
+    Check(children == GetChildElementCount(element));
 }
 
 } // namespace
@@ -79,10 +72,8 @@ void Walk(const DOMElement* element)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
 {
     NodeLocations lines;
-    const NuvXML::XercesPtr<xercesc_3_0::DOMDocument> document(
-        ParseXMLDoc(bytes, static_cast<unsigned int>(size), xercesc_3_0::AbstractDOMParser::Val_Never, true,
-                    u"fuzz", &lines, nullptr, nullptr));
-    if (!document || !document->getDocumentElement())
+    const Document document = Parse(TextOf(bytes, size), true, &lines);
+    if (!document)
         return 0;
     document->setUserData(u"NodeLocations", &lines, nullptr);
     for (const char* codePage : {"UTF-8", "windows-1252"})

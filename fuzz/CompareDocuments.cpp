@@ -1,0 +1,136 @@
+// The first line is a script, the rest a document. It is compared with itself and with a copy that the script
+// has changed: the same tree is equal, and which tree is the left one does not decide about equality.
+
+#include "fuzz/Support.hpp"
+
+#include "NuvXMLUtils/XMLCompare.hpp"
+
+namespace
+{
+
+using namespace Fuzz;
+using xercesc_3_0::DOMNodeFilter;
+
+constexpr const char16_t* Values[] = {u"1",   u"1.000001", u"1.1", u" 1 ",    u"x",
+                                      u" X ", u"int",      u"",    u"double", u"string"};
+
+constexpr const char16_t* Names[] = {u"a", u"A", u"b", u"nuv_type", u"nuv_eps"};
+
+/// Null where there is none.
+DOMElement* ElementFrom(DOMNode* node)
+{
+    while (node && node->getNodeType() != DOMNode::ELEMENT_NODE)
+        node = node->getNextSibling();
+    return static_cast<DOMElement*>(node);
+}
+
+/// Each letter is an operation on the element that the script has gone to; the bytes behind it choose a name
+/// and a value.
+void Change(DOMDocument& document, Script script)
+{
+    DOMElement* element = document.getDocumentElement();
+    while (!script.IsAtEnd())
+    {
+        const char operation = script.Next();
+        DOMNode* const child = element->getFirstChild();
+        DOMElement* moved = nullptr;
+        switch (operation)
+        {
+        case 'd':
+            moved = ElementFrom(child);
+            break;
+        case 'n':
+            moved = ElementFrom(element->getNextSibling());
+            break;
+        case 'a':
+        {
+            const char16_t* const name = script.Choose(Names);
+            element->setAttribute(name, script.Choose(Values));
+            break;
+        }
+        case 'r':
+            element->removeAttribute(script.Choose(Names));
+            break;
+        case 't':
+            element->appendChild(document.createTextNode(script.Choose(Values)));
+            break;
+        case 'e':
+            element->appendChild(document.createElement(script.Choose(Names)));
+            break;
+        case 'c':
+            element->appendChild(document.createComment(script.Choose(Values)));
+            break;
+        case 'N':
+            element = static_cast<DOMElement*>(document.renameNode(element, nullptr, script.Choose(Names)));
+            break;
+        case 'x':
+            if (child)
+                element->removeChild(child)->release();
+            break;
+        default:
+            break;
+        }
+        element = moved ? moved : element;
+    }
+}
+
+enum class Verdict
+{
+    Equal,
+    Different,
+    NotSupported
+};
+
+Verdict Compare(const DOMDocument& left, const DOMDocument& right, DOMNodeFilter* filter,
+                const NuvXML::IXMLCompareOptions& options)
+try
+{
+    NuvXML::XMLCompareStrictOrder comparator;
+    NuvXML::DoXMLCompare(&left, &right, &comparator, filter, options);
+    return Verdict::Equal;
+}
+catch (const NuvXML::NotSupportedNodeTypesException& exception)
+{
+    exception.GetText();
+    return Verdict::NotSupported;
+}
+catch (const NuvXML::XMLCompareException& exception)
+{
+    exception.GetText();
+    return Verdict::Different;
+}
+
+bool HasOnlyElementsAndTexts(const DOMNode& node)
+{
+    for (const DOMNode* child = node.getFirstChild(); child; child = child->getNextSibling())
+        if ((child->getNodeType() != DOMNode::TEXT_NODE && child->getNodeType() != DOMNode::ELEMENT_NODE) ||
+            !HasOnlyElementsAndTexts(*child))
+            return false;
+    return true;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
+{
+    const Parts parts = Divide(TextOf(bytes, size));
+    const Document document = Parse(parts.document);
+    const Document copy = Parse(parts.document);
+    if (!document)
+        return 0;
+    NuvXML::SkipWhitespaceTextsCompareFilter filter;
+    const NuvXML::StrictOrderAutoValueCompareOptions standard;
+    const NuvXML::AttrRuledCompareOptions ruled;
+    Check(Compare(*document, *copy, &filter, standard) == Verdict::Equal);
+    Check(
+        Compare(*document, *copy, nullptr, standard) ==
+        (HasOnlyElementsAndTexts(*document->getDocumentElement()) ? Verdict::Equal : Verdict::NotSupported));
+
+    Change(*copy, Script(parts.script));
+    for (DOMNodeFilter* const chosen :
+         {static_cast<DOMNodeFilter*>(nullptr), static_cast<DOMNodeFilter*>(&filter)})
+        for (const NuvXML::IXMLCompareOptions* const options :
+             std::initializer_list<const NuvXML::IXMLCompareOptions*>{&standard, &ruled})
+            Check(Compare(*document, *copy, chosen, *options) == Compare(*copy, *document, chosen, *options));
+    return 0;
+}
