@@ -7,6 +7,7 @@
 #include <xercesc/internal/XMLScanner.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/RefVectorOf.hpp>
+#include <xercesc/util/XMLUni.hpp>
 
 ValidatingXMLParser::LineInfoParser::LineInfoParser()
     : XercesDOMParser(nullptr, xercesc_3_0::XMLPlatformUtils::fgMemoryManager, nullptr)
@@ -31,6 +32,16 @@ void ValidatingXMLParser::LineInfoParser::FreeDocument()
 {
     if (!getParseInProgress())
         resetDocumentPool();
+}
+
+void ValidatingXMLParser::LineInfoParser::ForgetXMLVersion()
+{
+    if (getScanner()->getXMLVersion() == xercesc_3_0::XMLReader::XMLV1_0)
+        return;
+    // Nothing else takes a scanner of Xerces back. The new one has the settings and the schemas of the old
+    // one.
+    useScanner(xercesc_3_0::XMLUni::fgIGXMLScanner);
+    locator = getScanner()->getLocator();
 }
 
 void ValidatingXMLParser::LineInfoParser::docCharacters(const XMLCh* chars, XMLSize_t length,

@@ -227,6 +227,7 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(xercesc_3_0::InputSource& s
         DOMTreeErrorReporter errorReporter(errorHandler);
         NuvEntityResolver entityResolver;
         parser->reset();
+        parser->ForgetXMLVersion();
         const bool validatesAgainstSchema = parser->getDoSchema();
         parser->setValidationScheme(validatesAgainstSchema ? LineInfoParser::Val_Always : scheme);
         parser->setDoNamespaces(validatesAgainstSchema);

@@ -128,6 +128,10 @@ class NUVXMLUTILS_API ValidatingXMLParser::LineInfoParser : public xercesc_3_0::
     /// that lack of memory has ended.
     void FreeDocument();
 
+    /// Has the next document be XML 1.0 unless it says otherwise. A document without XML declaration would
+    /// else have the version of the one before it.
+    void ForgetXMLVersion();
+
     void docCharacters(const XMLCh* chars, XMLSize_t length, bool cdataSection) override;
     void docComment(const XMLCh* comment) override;
     void startElement(const xercesc_3_0::XMLElementDecl& declaration, unsigned int urlId,

@@ -203,6 +203,41 @@ TEST_F(ValidatingXMLParserTest, CanBeUsedAgain)
     EXPECT_EQ(RootTextOf(second), UniString(u"second"));
 }
 
+/// In XML 1.1 the next-line character ends a line and control characters may be written as references.
+constexpr char XML11[] = "<?xml version='1.1'?><r>1\xC2\x85&#2;</r>";
+constexpr char XML11WithError[] = "<?xml version='1.1'?><r>&#2;";
+
+TEST_F(ValidatingXMLParserTest, TakesTheXMLVersionFromTheDocumentAlone)
+{
+    for (const char* before : {XML11, XML11WithError})
+    {
+        Parse(before);
+        EXPECT_EQ(RootTextOf(Parse("<r>1\xC2\x85</r>")), UniString(u"1\u0085"));
+        Parse(before);
+        EXPECT_FALSE(Parse("<r>&#2;</r>"));
+        EXPECT_EQ(RootTextOf(Parse(XML11)), UniString(u"1\n\u0002"));
+    }
+}
+
+TEST_F(ValidatingXMLParserTest, KeepsLocationsAndSchemasAfterAnotherXMLVersion)
+{
+    NodeLocations store;
+    nodeLocations = &store;
+    ExpectToParse(XML11);
+    const Document document = Parse("<r>\n\n<a/></r>");
+    const NodeLocationInfo* const child = store.Find(document->getDocumentElement()->getLastChild());
+    ASSERT_TRUE(child);
+    EXPECT_EQ(child->lineNumber, 3u);
+
+    ASSERT_TRUE(LoadSchema(Schema));
+    for (const char* const text : {ValidBySchema, InvalidBySchema})
+    {
+        ExpectToParse("<?xml version='1.1'?><n:r xmlns:n='urn:n'>\xC2\x85"
+                      "12</n:r>");
+        EXPECT_EQ(Parse(text) != nullptr, text == ValidBySchema);
+    }
+}
+
 TEST_F(ValidatingXMLParserTest, GivesDocumentsThatOutliveIt)
 {
     auto shortLived = std::make_unique<ValidatingXMLParser>();
