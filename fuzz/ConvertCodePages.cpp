@@ -14,9 +14,9 @@ namespace
 
 using namespace Fuzz;
 
-constexpr const char* CodePages[] = {"UTF-8", "windows-1252", "ISO-8859-1",  "Shift_JIS",   "GB18030",
-                                     "Big5",  "EUC-JP",       "ISO-2022-JP", "ISO-2022-KR", "HZ",
-                                     "UTF-7", "IBM037",       "UTF-16LE"};
+constexpr const char* CodePages[] = {"UTF-8",      "windows-1252", "ISO-8859-1",  "Shift_JIS",   "GB18030",
+                                     "Big5-HKSCS", "EUC-JP",       "ISO-2022-JP", "ISO-2022-KR", "HZ",
+                                     "UTF-7",      "IBM037",       "UTF-16LE"};
 
 /// Runs a converter in its three ways: counting, with as much room as it needs and with too little.
 template <class Unit, class Convert>

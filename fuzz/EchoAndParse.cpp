@@ -52,7 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     constexpr bool CreateEntityRefNodes = false;
     const std::string_view text = TextOf(bytes, size);
     const Document document = Parse(text, CreateEntityRefNodes);
-    if (!document || IsXML11(*document))
+    if (!document || !IsXML10(*document))
         return 0;
     const Nuv::UniString content = TreeText(*document, Equality::Content);
     for (const auto parse : {ParseBySAX, ParseBySAX2})

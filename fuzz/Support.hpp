@@ -107,12 +107,6 @@ inline Document Parse(std::string_view text, bool createEntityRefNodes = true, N
                                 u"input", lines, nullptr, nullptr));
 }
 
-/// The printer and the writers write XML 1.0, which lacks some characters of XML 1.1.
-inline bool IsXML11(const DOMDocument& document)
-{
-    return xercesc_3_0::XMLString::equals(document.getXmlVersion(), xercesc_3_0::XMLUni::fgVersion1_1);
-}
-
 inline std::string Print(const DOMDocument& document, const char16_t* encoding)
 {
     Nuv::MemoryOChannel channel;
@@ -185,6 +179,26 @@ inline Nuv::UniString TreeText(const DOMNode& node, Equality equality)
         result.ReplaceAll(u"\r", u"\n");
     }
     return result;
+}
+
+inline bool HoldsHalfAPair(std::u16string_view text)
+{
+    const auto isLead = [](char16_t unit) { return (unit & 0xFC00) == 0xD800; };
+    const auto isTrail = [](char16_t unit) { return (unit & 0xFC00) == 0xDC00; };
+    for (std::size_t i = 0; i < text.size(); ++i)
+        if (i + 1 < text.size() && isLead(text[i]) && isTrail(text[i + 1]))
+            ++i;
+        else if (isLead(text[i]) || isTrail(text[i]))
+            return true;
+    return false;
+}
+
+/// Whether the document is one of XML 1.0, which is what the library writes. Xerces reads XML 1.1 too, and
+/// does not see half a surrogate pair at the end of a processing instruction, which no XML may hold.
+inline bool IsXML10(const DOMDocument& document)
+{
+    return !xercesc_3_0::XMLString::equals(document.getXmlVersion(), xercesc_3_0::XMLUni::fgVersion1_1) &&
+           !HoldsHalfAPair(TreeText(document, Equality::Exact).View());
 }
 
 inline bool IsASCII(const XMLCh* text)
