@@ -4,6 +4,9 @@
 #include "fuzz/Support.hpp"
 
 #include "NuvXMLUtils/XMLCompare.hpp"
+#include "NuvXMLUtils/XMLDifferences.hpp"
+
+#include <vector>
 
 namespace
 {
@@ -86,6 +89,20 @@ class LenientOptions : public NuvXML::AttrRuledCompareOptions
     void CompareSpecialTypeNodes(const DOMNode*, const DOMNode*) override {}
 };
 
+/// The reports of all differences.
+std::vector<Nuv::UniString> Differences(const DOMDocument& left, const DOMDocument& right,
+                                        DOMNodeFilter* filter, const NuvXML::IXMLCompareOptions& options)
+{
+    std::vector<Nuv::UniString> reports;
+    NuvXML::FindDifferences(&left, &right, filter, options,
+                            [&](const NuvXML::XMLDifference& difference)
+                            {
+                                reports.push_back(difference.exception.GetText());
+                                return true;
+                            });
+    return reports;
+}
+
 enum class Verdict
 {
     Equal,
@@ -93,23 +110,24 @@ enum class Verdict
     NotSupported
 };
 
+/// The difference that ends a comparison is the first of all.
 Verdict Compare(const DOMDocument& left, const DOMDocument& right, DOMNodeFilter* filter,
                 const NuvXML::IXMLCompareOptions& options)
-try
 {
-    NuvXML::XMLCompareStrictOrder comparator;
-    NuvXML::DoXMLCompare(&left, &right, &comparator, filter, options);
-    return Verdict::Equal;
-}
-catch (const NuvXML::NotSupportedNodeTypesException& exception)
-{
-    exception.GetText();
-    return Verdict::NotSupported;
-}
-catch (const NuvXML::XMLCompareException& exception)
-{
-    exception.GetText();
-    return Verdict::Different;
+    const std::vector<Nuv::UniString> differences = Differences(left, right, filter, options);
+    try
+    {
+        NuvXML::XMLCompareStrictOrder comparator;
+        NuvXML::DoXMLCompare(&left, &right, &comparator, filter, options);
+        Check(differences.empty());
+        return Verdict::Equal;
+    }
+    catch (const NuvXML::XMLCompareException& exception)
+    {
+        Check(!differences.empty() && differences.front() == exception.GetText());
+        const bool isSupported = !dynamic_cast<const NuvXML::NotSupportedNodeTypesException*>(&exception);
+        return isSupported ? Verdict::Different : Verdict::NotSupported;
+    }
 }
 
 bool HasOnlyElementsAndTexts(const DOMNode& node)
