@@ -14,6 +14,7 @@ namespace NuvTest
 /// of Xerces itself. These are known (valgrind overlooks them by valgrind.supp):
 /// - some builds of Xerces 3.2 never free the entity of an external DTD, which is how they keep it from being
 ///   used after it was freed;
+/// - a content model that is nested too deep for Xerces loses the part that has been read;
 /// - the reader of an entity loses its encoding's name when the first read from the stream throws.
 class XercesLeakScope
 {
