@@ -12,7 +12,6 @@
 #include "NuvRoot/ResultCodes.hpp"
 #include "NuvRoot/UniString.hpp"
 
-#include <limits>
 
 #if !defined(__int64) && !defined(_MSC_VER)
 /// The name that older code of the application uses for 64-bit integers; `unsigned __int64` works too.
@@ -284,14 +283,12 @@ class NUVROOT_API XMLIChannel
     template <class Wide, class Integer>
     int ReadAttrThrough(const char* name, Integer& value)
     {
+        static_assert(sizeof(Integer) == sizeof(Wide), "every value fits");
         Wide wide = 0;
         const int status = ReadXMLAttr(name, wide);
-        if (status != Success)
-            return status;
-        if (wide < std::numeric_limits<Integer>::min() || wide > std::numeric_limits<Integer>::max())
-            return Failure;
-        value = static_cast<Integer>(wide);
-        return Success;
+        if (status == Success)
+            value = static_cast<Integer>(wide);
+        return status;
     }
 };
 

@@ -124,8 +124,6 @@ void XMLPrint::Encode(Token token)
 
 void XMLPrint::WriteRaw(const unsigned char* bytes, size_t count)
 {
-    if (freeBytes.Count() < count)
-        Flush();
     freeBytes.next = std::copy_n(bytes, count, freeBytes.next);
 }
 

@@ -59,7 +59,7 @@ class XMLPrint
     /// Writes text with the given escape mode.
     void Format(const char16_t* text, size_t length, EscapeMode mode);
 
-    /// Writes bytes as they are.
+    /// Writes a few bytes as they are, before anything else: there is room for them.
     void WriteRaw(const unsigned char* bytes, size_t count);
 
     /// Sends on what is in the buffer. Destroying the formatter does not.
