@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <xercesc/dom/DOM.hpp>
+#include <xercesc/dom/impl/DOMCDATASectionImpl.hpp>
+#include <xercesc/dom/impl/DOMDocumentImpl.hpp>
+#include <xercesc/dom/impl/DOMTextImpl.hpp>
 
 #include <cstdint>
 #include <cstring>
@@ -570,6 +573,52 @@ TEST(DOMReaderCDATA, FailsWithoutAMessageWhereThereIsNone)
     EXPECT_EQ(value, UniString(u"untouched"));
     EXPECT_TRUE(MessagesOf(reader).empty());
     EXPECT_EQ(PlaceOf(reader), UniString(u"<a"));
+}
+
+/// A node of another implementation of the DOM, which cannot give its value.
+template <class Node>
+class WithoutValue : public Node
+{
+  public:
+    explicit WithoutValue(xercesc_3_0::DOMDocument* document)
+        : Node(document, u"value")
+    {
+    }
+    const XMLCh* getNodeValue() const override { throw xercesc_3_0::DOMException(); }
+};
+
+/// A document `<r><v>` with one such node in `v`.
+template <class Node>
+NuvXML::XercesPtr<xercesc_3_0::DOMDocument> DocumentWithoutValue()
+{
+    NuvXML::XercesPtr<xercesc_3_0::DOMDocument> document(
+        xercesc_3_0::DOMImplementation::getImplementation()->createDocument(nullptr, u"r", nullptr));
+    auto* element = document->createElement(u"v");
+    document->getDocumentElement()->appendChild(element);
+    element->appendChild(new (document.get()) WithoutValue<Node>(document.get()));
+    return document;
+}
+
+TEST(DOMReaderText, FailsInFrontOfANodeThatCannotGiveItsValue)
+{
+    const auto document = DocumentWithoutValue<xercesc_3_0::DOMTextImpl>();
+    DOMReader reader(document->getDocumentElement());
+    UniString value(u"untouched");
+    EXPECT_EQ(reader.ReadXML("v", value), Failed);
+    EXPECT_EQ(value, UniString(u"untouched"));
+    EXPECT_EQ(PlaceOf(reader), UniString(u"<r"));
+}
+
+TEST(DOMReaderCDATA, FailsInFrontOfASectionThatCannotGiveItsValue)
+{
+    const auto document = DocumentWithoutValue<xercesc_3_0::DOMCDATASectionImpl>();
+    DOMReader reader(document->getDocumentElement());
+    EXPECT_EQ(reader.ReadStartElement("v"), 0);
+    UniString value(u"untouched");
+    EXPECT_EQ(reader.ReadXMLCDATAString(value), Failed);
+    EXPECT_EQ(value, UniString(u"untouched"));
+    EXPECT_TRUE(MessagesOf(reader).empty());
+    EXPECT_EQ(PlaceOf(reader), UniString(u"<v"));
 }
 
 TEST(DOMReaderCDATA, LeavesTheErrorStatusOfAReaderWithoutANode)

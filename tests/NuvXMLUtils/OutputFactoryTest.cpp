@@ -7,7 +7,13 @@
 
 #include <gtest/gtest.h>
 
+#include <xercesc/dom/DOMException.hpp>
+#include <xercesc/framework/MemoryManager.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+
+#include <exception>
 #include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -102,6 +108,45 @@ TEST(CreateXMLOChannel, MakesABuilderThatWritesItsFileWhenItIsDisposedOf)
         DisposeXMLOChannel(channel);
         EXPECT_EQ(folder.Read("a.xml"), RootAsBytes);
     }
+}
+
+/// Takes the place of Xerces' memory manager till the end of the scope and throws instead of giving memory.
+template <class Exception>
+class ThrowingMemoryManager : public xercesc_3_0::MemoryManager
+{
+  public:
+    ThrowingMemoryManager() { xercesc_3_0::XMLPlatformUtils::fgMemoryManager = this; }
+    ~ThrowingMemoryManager() override { xercesc_3_0::XMLPlatformUtils::fgMemoryManager = original; }
+
+    xercesc_3_0::MemoryManager* getExceptionMemoryManager() override { return original; }
+    void* allocate(XMLSize_t) override { throw Exception(); }
+    void deallocate(void*) override {}
+
+  private:
+    xercesc_3_0::MemoryManager* const original = xercesc_3_0::XMLPlatformUtils::fgMemoryManager;
+};
+
+template <class Exception>
+void ExpectFailureToMakeAChannel(const UniString& message)
+{
+    const ThrowingMemoryManager<Exception> manager;
+    EXPECT_EQ(CreateXMLOChannel(false), nullptr);
+    try
+    {
+        DisposeXMLOChannel(CreateXMLOChannel(true));
+        ADD_FAILURE() << "no exception";
+    }
+    catch (const XMLOChannelException& exception)
+    {
+        EXPECT_EQ(exception.GetMessage(), message);
+    }
+}
+
+TEST(CreateXMLOChannel, TellsWhatKindOfExceptionKeptItFromMakingADocument)
+{
+    ExpectFailureToMakeAChannel<xercesc_3_0::DOMException>(u"Xercesc DOMException");
+    ExpectFailureToMakeAChannel<std::exception>(u"Unkonwn Exception in CreateXMLOChannel");
+    ExpectFailureToMakeAChannel<std::bad_alloc>(u"Not enough memory in CreateXMLOChannel");
 }
 
 TEST(DisposeXMLOChannel, DeletesTheChannelThroughItsVirtualDestructor)

@@ -529,6 +529,10 @@ TEST(NuvSAX2Writer, ForwardsEventsWithoutIndentation)
                       writer.ignorableWhitespace(u" ", 1);
                       writer.processingInstruction(u"p", u"d");
                       writer.endElement(u"urn", u"l", u"q");
+                      writer.setDocumentLocator(nullptr);
+                      writer.startPrefixMapping(u"p", u"u");
+                      writer.endPrefixMapping(u"p");
+                      writer.skippedEntity(u"e");
                       writer.endDocument();
                   }),
               "<q>&lt; <?p d?></q>");

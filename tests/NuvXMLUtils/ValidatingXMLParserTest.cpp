@@ -404,6 +404,17 @@ TEST_F(ValidatingXMLParserTest, TakesNullForEveryOutputOfAFailure)
     EXPECT_FALSE(parser.LoadSchema(Write("bad.xsd", "<"), nullptr, nullptr));
 }
 
+TEST_F(ValidatingXMLParserTest, TellsThatASchemaCouldNotBeLoadedWhichXercesDoesNotFind)
+{
+    // The system goes up from where the link leads to, Xerces from where it stands.
+    std::filesystem::create_directories(scratch.Path() / "there" / "below");
+    std::filesystem::create_directory_symlink("there/below", scratch.Path() / "link");
+    Write("there/schema.xsd", Schema);
+    const NuvTest::CurrentFolderScope current(scratch.Path());
+    EXPECT_FALSE(LoadSchema(IO::Location(UniString(u"link/../schema.xsd"))));
+    ExpectReport(0, UniString(u"Could not load the XML Schema."));
+}
+
 TEST_F(ValidatingXMLParserTest, FillsOneOutputWithoutTheOther)
 {
     EXPECT_FALSE(

@@ -847,6 +847,19 @@ TEST(CallersOptions, MakeEveryDecision)
     EXPECT_EQ(calls.alive, 0);
 }
 
+TEST(CallersOptions, DecideOnAPairOfSpecialNodesAtTheTopToo)
+{
+    const Document left = Parse("<!--left--><r/>");
+    const Document right = Parse("<!--right--><r/>");
+    Calls calls;
+    const WatchedOptions options(calls, false);
+    XMLCompareStrictOrder comparator;
+    EXPECT_NO_THROW(
+        DoXMLCompare(left->getFirstChild(), right->getFirstChild(), &comparator, nullptr, options));
+    EXPECT_EQ(calls.log,
+              (std::vector<std::string>{"Clone", "PrepareNodeComparator", "CompareSpecialTypeNodes"}));
+}
+
 TEST(CallersOptions, AreGivenEachPairOfElementsLeftFirst)
 {
     class Noting : public Standard
