@@ -162,6 +162,24 @@ TEST_F(NetAccessor, EndsLoadingASchemaByAnyOtherException)
     ExpectThatTheParserIsAsItWas();
 }
 
+TEST_F(NetAccessor, CannotLoadASchemaWithTheParserThatAsksIt)
+{
+    bool isLoaded = true;
+    {
+        const NetAccessorScope net(
+            [&]
+            {
+                isLoaded = LoadSchema(RemoteSchema);
+                return RemoteSchema;
+            });
+        EXPECT_TRUE(LoadSchema(SchemaThatIncludesIt));
+    }
+    EXPECT_FALSE(isLoaded);
+    EXPECT_GT(report.location.lineNumber, 7U) << "a line of Xerces' source";
+    EXPECT_NE(report.message.ToUTF8().find("in progress"), std::string::npos) << report.message;
+    EXPECT_FALSE(Parse("<n>text</n>"));
+}
+
 TEST_F(NetAccessor, EndsLoadingADocumentByAnExceptionOfXercesWhereItStands)
 {
     const NetAccessorScope net(ThrowXMLException);
