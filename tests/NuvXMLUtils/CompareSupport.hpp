@@ -1,5 +1,5 @@
 /// @file
-/// What the tests of the comparison share: documents from text, and comparing them.
+/// What the tests of the comparison share: documents from text, comparing them, and what is expected of that.
 #pragma once
 
 #include "NuvXMLUtils/XMLCompare.hpp"
@@ -82,6 +82,29 @@ DifferenceOf(std::string_view left, std::string_view right,
         return difference;
     }
     throw std::logic_error("no difference");
+}
+
+/// The text of the exception for two texts that differ.
+template <class Difference>
+Nuv::UniString TextOf(std::string_view left, std::string_view right)
+{
+    return DifferenceOf<Difference>(left, right).GetText();
+}
+
+inline void ExpectEqual(std::string_view left, std::string_view right)
+{
+    EXPECT_NO_THROW(Compare(left, right)) << left << " and " << right;
+}
+
+template <class Difference>
+void ExpectDifferent(std::string_view left, std::string_view right)
+{
+    EXPECT_THROW(Compare(left, right), Difference) << left << " and " << right;
+}
+
+inline DOMTreeWalker* NewWalker(const Document& document, DOMNodeFilter* filter = nullptr)
+{
+    return document->createTreeWalker(document->getDocumentElement(), DOMNodeFilter::SHOW_ALL, filter, false);
 }
 
 } // namespace CompareTests

@@ -1,10 +1,8 @@
-#include "NuvXMLUtils/NuvXMLDOMReader.hpp"
+#include "DOMReaderSupport.hpp"
 
 #include "NuvXMLUtils/ValidatingXMLParser.hpp"
 #include "tests/support/PrivateAccess.hpp"
 #include "tests/support/ScratchFolder.hpp"
-
-#include <gtest/gtest.h>
 
 #include <xercesc/dom/DOM.hpp>
 
@@ -14,6 +12,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 namespace NuvTest
 {
@@ -61,7 +60,7 @@ namespace
 {
 
 using namespace NuvTest;
-using namespace Nuv;
+using namespace ReaderTests;
 using NuvXML::DOMReaderException;
 using xercesc_3_0::DOMNode;
 using Document = NuvXML::XercesPtr<xercesc_3_0::DOMDocument>;
@@ -73,11 +72,6 @@ static_assert(XMLStartElement == 1 && XMLEndElement == 2 && XMLNoToken == 128);
 static_assert(NothingToRead == 3 && XMLIChannel::NoError == 0);
 static_assert(std::is_base_of_v<RunTimeErrorException, DOMReaderException>);
 
-const unsigned char* Bytes(std::string_view text)
-{
-    return reinterpret_cast<const unsigned char*>(text.data());
-}
-
 Document ParseText(std::string_view text)
 {
     return Document(ParseXMLDoc(Bytes(text), static_cast<unsigned int>(text.size()),
@@ -85,16 +79,12 @@ Document ParseText(std::string_view text)
                                 UniString(u"file:///folder/a.xml"), nullptr, nullptr, nullptr));
 }
 
-/// A reader over a document of its own.
-class TextReader : public DOMReader
+/// A reader over a document of its own, with its private operations.
+class TextReader : public ReaderTests::TextReader
 {
   public:
-    explicit TextReader(std::string_view text)
-        : DOMReader(Bytes(text), static_cast<unsigned int>(text.size()))
-    {
-    }
+    using ReaderTests::TextReader::TextReader;
 
-    // The private operations.
     int ReadOne() { return (this->*Reveal(ReadOneToken()))(); }
     int ReadNamed(const UniString& name, XMLTokenType type)
     {
@@ -105,15 +95,6 @@ class TextReader : public DOMReader
     const DOMNode* NextSibling() { return (this->*Reveal(NextElementSibling()))(); }
 };
 
-/// Where a reader stands, as "<name" or ">name".
-std::string PlaceOf(DOMReader& reader)
-{
-    UniString name(u"untouched");
-    const XMLTokenType type = reader.GetTokenTypeName(name);
-    std::string place(1, type == XMLStartElement ? '<' : type == XMLEndElement ? '>' : '?');
-    return place += name.ToUTF8();
-}
-
 /// All places from where the reader stands to the end of the document.
 std::string WalkToTheEnd(DOMReader& reader)
 {
@@ -121,20 +102,6 @@ std::string WalkToTheEnd(DOMReader& reader)
     while (reader.ReadToken(0) == 0)
         places.append(" ").append(PlaceOf(reader));
     return places;
-}
-
-Array<UniString> MessagesOf(DOMReader& reader)
-{
-    Array<UniString> messages;
-    for (int i = 0; i < reader.GetNumberOfMessage(); ++i)
-    {
-        UniString text;
-        int code = 4711;
-        reader.GetMessage(i, text, code);
-        EXPECT_EQ(code, 0);
-        messages.push_back(text);
-    }
-    return messages;
 }
 
 constexpr char16_t EndOfXML[] = u"End of XML reached, token with the specified name was not found";
@@ -492,183 +459,6 @@ TEST(DOMReader, LooksForElementsAroundItWithoutMoving)
     ASSERT_EQ(reader.ReadEndElement("a"), 0);
     ASSERT_EQ(reader.ReadStartElement("b"), 0);
     EXPECT_EQ(reader.NextSibling(), nullptr);
-}
-
-// Starts of elements.
-
-TEST(DOMReader, FindsAnElementAmongTheChildren)
-{
-    TextReader reader("<r>t<a/><b><c/></b></r>");
-    EXPECT_EQ(reader.ReadStartElement("b"), 0);
-    EXPECT_EQ(PlaceOf(reader), "<b");
-    EXPECT_EQ(reader.ReadStartElement("c"), 0);
-    EXPECT_EQ(PlaceOf(reader), "<c");
-}
-
-TEST(DOMReader, FindsSiblingsInAnyOrder)
-{
-    TextReader reader("<r><a/><b/></r>");
-    EXPECT_EQ(reader.ReadStartElement("b"), 0);
-    EXPECT_EQ(reader.ReadEndElement("b"), 0);
-    EXPECT_EQ(reader.ReadStartElement("a"), 0);
-    EXPECT_EQ(PlaceOf(reader), "<a");
-}
-
-TEST(DOMReader, FindsTheNextSiblingOfAName)
-{
-    TextReader reader("<r><a i='1'/><b/><a i='2'/><c/><a i='3'/></r>");
-    for (const int expected : {1, 2, 3, 1, 2})
-    {
-        int i = 0;
-        ASSERT_EQ(reader.ReadStartElement("a"), 0);
-        ASSERT_EQ(reader.ReadXMLAttr("i", i), 0);
-        EXPECT_EQ(i, expected);
-        ASSERT_EQ(reader.ReadEndElement("a"), 0);
-    }
-}
-
-TEST(DOMReader, FindsTheOnlySiblingAgain)
-{
-    TextReader reader("<r><a/></r>");
-    for (int i = 0; i < 3; ++i)
-    {
-        EXPECT_EQ(reader.ReadStartElement("a"), 0);
-        EXPECT_EQ(reader.ReadEndElement("a"), 0);
-    }
-    EXPECT_EQ(reader.ReadEndElement("r"), 0);
-    EXPECT_EQ(reader.ReadStartElement("r"), 0);
-    EXPECT_EQ(PlaceOf(reader), "<r");
-}
-
-TEST(DOMReader, LooksOnAStartAmongTheChildrenAndOnAnEndAmongTheSiblings)
-{
-    TextReader reader("<r><a><b/></a><c/></r>");
-    ASSERT_EQ(reader.ReadStartElement("a"), 0);
-    EXPECT_EQ(reader.ReadStartElement("c"), NotFound);
-    EXPECT_EQ(reader.ReadStartElement("a"), NotFound);
-    ASSERT_EQ(reader.ReadEndElement("a"), 0);
-    EXPECT_EQ(reader.ReadStartElement("b"), NotFound);
-    EXPECT_EQ(reader.ReadStartElement("r"), NotFound);
-    EXPECT_EQ(reader.ReadStartElement("c"), 0);
-}
-
-TEST(DOMReader, StaysWhereItIsWhenAnElementIsNotFound)
-{
-    TextReader reader("<r><a/><b/></r>");
-    const DOMNode* root = reader.GetActualNode();
-    EXPECT_EQ(reader.ReadStartElement("x"), NotFound);
-    EXPECT_EQ(reader.GetActualNode(), root);
-    EXPECT_EQ(reader.GetTokenType(), XMLStartElement);
-    ASSERT_EQ(reader.ReadStartElement("b"), 0);
-    ASSERT_EQ(reader.ReadEndElement("b"), 0);
-    EXPECT_EQ(reader.ReadStartElement("x"), NotFound);
-    EXPECT_EQ(PlaceOf(reader), ">b");
-    EXPECT_TRUE(MessagesOf(reader).empty());
-    EXPECT_EQ(reader.GetErrorStatus(), XMLIChannel::NoError);
-}
-
-TEST(DOMReader, FindsNothingInAnEmptyElement)
-{
-    TextReader reader("<r>text</r>");
-    EXPECT_EQ(reader.ReadStartElement("a"), NotFound);
-    EXPECT_EQ(reader.ReadStartElement(nullptr), NotFound);
-    EXPECT_EQ(PlaceOf(reader), "<r");
-}
-
-TEST(DOMReader, FindsAnyElementWithoutAName)
-{
-    TextReader reader("<r>t<a/><b/></r>");
-    EXPECT_EQ(reader.ReadStartElement(nullptr), 0);
-    EXPECT_EQ(PlaceOf(reader), "<a");
-    ASSERT_EQ(reader.ReadEndElement("a"), 0);
-    EXPECT_EQ(reader.ReadStartElement(nullptr), 0);
-    EXPECT_EQ(PlaceOf(reader), "<b");
-    ASSERT_EQ(reader.ReadEndElement("b"), 0);
-    EXPECT_EQ(reader.ReadStartElement(nullptr), 0);
-    EXPECT_EQ(PlaceOf(reader), "<a") << "the first one follows the last";
-}
-
-TEST(DOMReader, ComparesNamesExactly)
-{
-    TextReader reader("<r><Abc/></r>");
-    for (const char* name : {"abc", "ABC", "Ab", "Abcd", "", " Abc"})
-        EXPECT_EQ(reader.ReadStartElement(name), NotFound) << name;
-    EXPECT_EQ(reader.ReadStartElement("Abc"), 0);
-}
-
-TEST(DOMReader, FindsNamesOfAnyLength)
-{
-    for (const size_t length : {1u, 62u, 63u, 64u, 65u, 1000u})
-    {
-        const std::string name(length, 'n');
-        std::string text("<r><");
-        text.append(name).append("x/><").append(name).append("/></r>");
-        TextReader reader(text);
-        ASSERT_EQ(reader.ReadStartElement(name.c_str()), 0) << length;
-        EXPECT_EQ(PlaceOf(reader).substr(1), name);
-        EXPECT_EQ(reader.ReadEndElement(name.c_str()), 0) << length;
-    }
-}
-
-// Ends of elements.
-
-TEST(DOMReader, ClosesTheElementOnWhoseStartItStands)
-{
-    TextReader reader("<r><x><a/></x></r>");
-    ASSERT_EQ(reader.ReadStartElement("x"), 0);
-    EXPECT_EQ(reader.ReadEndElement("x"), 0);
-    EXPECT_EQ(PlaceOf(reader), ">x");
-    EXPECT_EQ(reader.ReadEndElement("x"), 0) << "it stands on that end";
-    EXPECT_EQ(PlaceOf(reader), ">x");
-}
-
-TEST(DOMReader, ClosesAnElementFromInside)
-{
-    TextReader reader("<r><a><b><c/></b></a></r>");
-    reader.ReadStartElement("a");
-    reader.ReadStartElement("b");
-    reader.ReadStartElement("c");
-    EXPECT_EQ(reader.ReadEndElement("a"), 0);
-    EXPECT_EQ(PlaceOf(reader), ">a");
-    EXPECT_EQ(reader.ReadEndElement("r"), 0);
-    EXPECT_EQ(PlaceOf(reader), ">r");
-}
-
-TEST(DOMReader, ClosesTheInnermostElementOfAName)
-{
-    TextReader reader("<r><a i='1'><a i='2'><b/></a></a></r>");
-    reader.ReadStartElement("a");
-    reader.ReadStartElement("a");
-    reader.ReadStartElement("b");
-    ASSERT_EQ(reader.ReadEndElement("a"), 0);
-    int i = 0;
-    EXPECT_EQ(reader.ReadXMLAttr("i", i), 0);
-    EXPECT_EQ(i, 2);
-}
-
-TEST(DOMReader, StaysWhereItIsWhenNoOpenElementHasTheName)
-{
-    TextReader reader("<r><a><b/></a><x/></r>");
-    reader.ReadStartElement("a");
-    for (const char* name : {"x", "b", "A", ""})
-        EXPECT_EQ(reader.ReadEndElement(name), NotFound) << name;
-    EXPECT_EQ(PlaceOf(reader), "<a");
-    ASSERT_EQ(reader.ReadEndElement("a"), 0);
-    EXPECT_EQ(reader.ReadEndElement("x"), NotFound);
-    EXPECT_EQ(PlaceOf(reader), ">a");
-    EXPECT_TRUE(MessagesOf(reader).empty());
-    EXPECT_EQ(reader.GetErrorStatus(), XMLIChannel::NoError);
-}
-
-TEST(DOMReader, NeverClosesAnElementWithoutAName)
-{
-    TextReader reader("<r><a/></r>");
-    EXPECT_EQ(reader.ReadEndElement(nullptr), NotFound);
-    EXPECT_EQ(PlaceOf(reader), "<r");
-    reader.ReadStartElement("a");
-    EXPECT_EQ(reader.ReadEndElement(nullptr), NotFound);
-    EXPECT_EQ(PlaceOf(reader), "<a");
-    EXPECT_EQ(reader.GetErrorStatus(), XMLIChannel::NoError);
 }
 
 // Named tokens.

@@ -1,19 +1,12 @@
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
+#include "ValidatingXMLParserSupport.hpp"
 
-#include "tests/support/CurrentFolderScope.hpp"
 #include "tests/support/PrivateAccess.hpp"
-#include "tests/support/ScratchFolder.hpp"
-#include "tests/support/WithoutPrivileges.hpp"
 #include "tests/support/XercesDownScope.hpp"
 #include "tests/support/XercesLeakScope.hpp"
 
-#include <gtest/gtest.h>
-
-#include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/MemoryManager.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -45,107 +38,18 @@ template struct Revealed<ParseSource, &ValidatingXMLParser::Parse>;
 namespace
 {
 
-using LineInfoParser = ValidatingXMLParser::LineInfoParser;
-using Nuv::UniString;
-using xercesc_3_0::DOMNode;
+using namespace ParserTests;
 
 static_assert(LineInfoParser::Val_Never == 0 && LineInfoParser::Val_Always == 1 &&
               LineInfoParser::Val_Auto == 2);
 static_assert(!std::is_copy_constructible_v<ValidatingXMLParser>);
 
-constexpr unsigned int UntouchedLine = 4711;
-constexpr char16_t UntouchedMessage[] = u"untouched";
-
-/// What an operation gives back through its arguments.
-struct Report
+void ExpectNoHandlers(ValidatingXMLParser& parser)
 {
-    NodeLocationInfo location{UntouchedLine};
-    UniString message{UntouchedMessage};
-};
-
-const unsigned char* Bytes(std::string_view text)
-{
-    return reinterpret_cast<const unsigned char*>(text.data());
+    const LineInfoParser& owned = *(parser.*Reveal(NuvTest::OwnedParser()));
+    EXPECT_EQ(owned.getErrorHandler(), nullptr);
+    EXPECT_EQ(owned.getEntityResolver(), nullptr);
 }
-
-unsigned int Size(std::string_view text) { return static_cast<unsigned int>(text.size()); }
-
-class ValidatingXMLParserTest : public testing::Test
-{
-  protected:
-    using Document = NuvXML::XercesPtr<xercesc_3_0::DOMDocument>;
-
-    IO::Location Write(std::string_view name, std::string_view text) const
-    {
-        return IO::Location(scratch.Write(name, text));
-    }
-
-    Document ParseFile(const IO::Location& file)
-    {
-        return Document(parser.Parse(file, scheme, createEntityRefNodes, nodeLocations, &report.location,
-                                     &report.message));
-    }
-
-    Document Parse(std::string_view text)
-    {
-        return Document(parser.Parse(Bytes(text), Size(text), scheme, createEntityRefNodes,
-                                     UniString(u"memory"), nodeLocations, &report.location, &report.message));
-    }
-
-    bool LoadSchema(const IO::Location& schema)
-    {
-        return parser.LoadSchema(schema, &report.location, &report.message);
-    }
-
-    bool LoadSchema(std::string_view text) { return LoadSchema(Write("schema.xsd", text)); }
-
-    void ExpectUntouchedReport() const
-    {
-        EXPECT_EQ(report.location.lineNumber, UntouchedLine);
-        EXPECT_EQ(report.message, UniString(UntouchedMessage));
-    }
-
-    void ExpectReport(unsigned int line, const UniString& message) const
-    {
-        EXPECT_EQ(report.location.lineNumber, line);
-        EXPECT_EQ(report.message, message);
-    }
-
-    void ExpectNoHandlers()
-    {
-        const LineInfoParser& owned = *(parser.*Reveal(NuvTest::OwnedParser()));
-        EXPECT_EQ(owned.getErrorHandler(), nullptr);
-        EXPECT_EQ(owned.getEntityResolver(), nullptr);
-    }
-
-    void ExpectToParse(std::string_view text)
-    {
-        report = Report();
-        EXPECT_TRUE(Parse(text)) << report.message;
-        ExpectUntouchedReport();
-    }
-
-    NuvTest::ScratchFolder scratch;
-    ValidatingXMLParser parser;
-    ValidatingXMLParser::ValSchemes scheme = LineInfoParser::Val_Never;
-    bool createEntityRefNodes = false;
-    NodeLocations* nodeLocations = nullptr;
-    Report report;
-};
-
-UniString RootTextOf(const NuvXML::XercesPtr<xercesc_3_0::DOMDocument>& document)
-{
-    return document ? UniString(document->getDocumentElement()->getTextContent()) : UniString(u"(none)");
-}
-
-constexpr char InvalidDocument[] = "<!DOCTYPE r [<!ELEMENT r EMPTY>]>\n<r>\n<a/></r>";
-constexpr char TwoColons[] = "<!DOCTYPE a:b:c [<!ELEMENT r EMPTY>]><r/>";
-
-/// Lets elements n:r hold an integer.
-constexpr char Schema[] = "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:n'>\n"
-                          "<xs:element name='r' type='xs:int'/></xs:schema>";
-constexpr char ValidBySchema[] = "<n:r xmlns:n='urn:n'>12</n:r>";
-constexpr char InvalidBySchema[] = "<n:r xmlns:n='urn:n'>\ntwelve</n:r>";
 
 // Success.
 
@@ -335,7 +239,7 @@ TEST_F(ValidatingXMLParserTest, ReportsAFileThatCannotBeRead)
     const NuvTest::XercesLeakScope leaks;
     EXPECT_FALSE(ParseFile(IO::Location(u"/proc/self/mem")));
     ExpectReport(0, u"unable to read data from file");
-    ExpectNoHandlers();
+    ExpectNoHandlers(parser);
     ExpectToParse("<r/>");
 }
 
@@ -404,17 +308,6 @@ TEST_F(ValidatingXMLParserTest, TakesNullForEveryOutputOfAFailure)
     EXPECT_FALSE(parser.LoadSchema(Write("bad.xsd", "<"), nullptr, nullptr));
 }
 
-TEST_F(ValidatingXMLParserTest, TellsThatASchemaCouldNotBeLoadedWhichXercesDoesNotFind)
-{
-    // The system goes up from where the link leads to, Xerces from where it stands.
-    std::filesystem::create_directories(scratch.Path() / "there" / "below");
-    std::filesystem::create_directory_symlink("there/below", scratch.Path() / "link");
-    Write("there/schema.xsd", Schema);
-    const NuvTest::CurrentFolderScope current(scratch.Path());
-    EXPECT_FALSE(LoadSchema(IO::Location(UniString(u"link/../schema.xsd"))));
-    ExpectReport(0, UniString(u"Could not load the XML Schema."));
-}
-
 TEST_F(ValidatingXMLParserTest, FillsOneOutputWithoutTheOther)
 {
     EXPECT_FALSE(
@@ -449,7 +342,7 @@ TEST_F(ValidatingXMLParserTest, CanBeUsedAgainAfterEveryKindOfFailure)
     {
         SCOPED_TRACE(i);
         EXPECT_FALSE(failures[i]());
-        ExpectNoHandlers();
+        ExpectNoHandlers(parser);
         ExpectToParse("<!DOCTYPE r [<!ELEMENT r ANY><!ENTITY e 'x'>]><r>&e;</r>");
         EXPECT_FALSE(Parse(InvalidDocument));
     }
@@ -502,11 +395,11 @@ TEST_F(ValidatingXMLParserTest, KeepsNothingOfDocumentsThatItFailedToParse)
 
 TEST_F(ValidatingXMLParserTest, HasNoHandlersWhenACallHasEnded)
 {
-    ExpectNoHandlers();
+    ExpectNoHandlers(parser);
     ExpectToParse("<r/>");
-    ExpectNoHandlers();
+    ExpectNoHandlers(parser);
     EXPECT_TRUE(LoadSchema(Schema));
-    ExpectNoHandlers();
+    ExpectNoHandlers(parser);
 }
 
 // Validation without a schema.
@@ -539,270 +432,6 @@ TEST_F(ValidatingXMLParserTest, DropsWarnings)
     scheme = LineInfoParser::Val_Always;
     EXPECT_TRUE(Parse("<!DOCTYPE r [<!ELEMENT r EMPTY><!ATTLIST r a CDATA #IMPLIED a CDATA #IMPLIED>]><r/>"));
     ExpectUntouchedReport();
-}
-
-// Entities.
-
-constexpr char TwoEntities[] = "<!DOCTYPE r [<!ENTITY e 'one'>]><r>&e;two</r>";
-
-TEST_F(ValidatingXMLParserTest, PutsEntityReferenceNodesIntoTheTree)
-{
-    createEntityRefNodes = true;
-    const Document document = Parse(TwoEntities);
-    ASSERT_TRUE(document) << report.message;
-    const DOMNode* reference = document->getDocumentElement()->getFirstChild();
-    EXPECT_EQ(reference->getNodeType(), DOMNode::ENTITY_REFERENCE_NODE);
-    EXPECT_EQ(RootTextOf(document), UniString(u"onetwo"));
-}
-
-TEST_F(ValidatingXMLParserTest, PutsTheContentOfEntitiesIntoTheTree)
-{
-    createEntityRefNodes = true;
-    Parse(TwoEntities);
-    createEntityRefNodes = false;
-    const Document document = Parse(TwoEntities);
-    ASSERT_TRUE(document) << report.message;
-    const DOMNode* text = document->getDocumentElement()->getFirstChild();
-    EXPECT_EQ(UniString(text->getNodeValue()), UniString(u"onetwo"));
-}
-
-TEST_F(ValidatingXMLParserTest, ReadsEntitiesRelativeToTheCurrentFolder)
-{
-    std::filesystem::create_directory(scratch.Path() / "sub");
-    scratch.Write("part.ent", "here");
-    scratch.Write("sub/part.ent", "beside the document");
-    const NuvTest::CurrentFolderScope current(scratch.Path());
-    const char text[] = "<!DOCTYPE r [<!ENTITY e SYSTEM 'part.ent'><!ENTITY f SYSTEM './sub/../part.ent'>]>"
-                        "<r>&e;&f;</r>";
-    EXPECT_EQ(RootTextOf(ParseFile(Write("sub/a.xml", text))), UniString(u"herehere"));
-    EXPECT_EQ(RootTextOf(Parse(text)), UniString(u"herehere"));
-}
-
-TEST_F(ValidatingXMLParserTest, ReadsEntitiesOfFilesWhateverTheirName)
-{
-    const NuvTest::CurrentFolderScope current(scratch.Path());
-    for (const char* name : {"a b.ent", "%41.ent", "\u00FC\u20AC.ent", "a%20b.ent"})
-    {
-        scratch.Write(name, "text");
-        const Document document =
-            Parse("<!DOCTYPE r [<!ENTITY e SYSTEM '" + std::string(name) + "'>]><r>&e;</r>");
-        EXPECT_EQ(RootTextOf(document), UniString(u"text")) << name << ": " << report.message;
-    }
-}
-
-TEST_F(ValidatingXMLParserTest, ReadsEntitiesByAbsolutePathAndURL)
-{
-    const IO::Location part = Write("part.ent", "text");
-    for (const std::string& systemId : {part.ToPath().ToUTF8(), part.ToURL().ToUTF8()})
-    {
-        const Document document = Parse("<!DOCTYPE r [<!ENTITY e SYSTEM '" + systemId + "'>]><r>&e;</r>");
-        EXPECT_EQ(RootTextOf(document), UniString(u"text")) << systemId << ": " << report.message;
-    }
-}
-
-TEST_F(ValidatingXMLParserTest, IgnoresPublicIds)
-{
-    scratch.Write("part.ent", "text");
-    const NuvTest::CurrentFolderScope current(scratch.Path());
-    const Document document = Parse("<!DOCTYPE r [<!ENTITY e PUBLIC '-//N//P//EN' 'part.ent'>]><r>&e;</r>");
-    EXPECT_EQ(RootTextOf(document), UniString(u"text"));
-}
-
-TEST_F(ValidatingXMLParserTest, ReadsTheExternalDTD)
-{
-    const NuvTest::XercesLeakScope leaks;
-    scratch.Write("r.dtd", "<!ELEMENT r (#PCDATA)>\n<!ENTITY e 'text'>");
-    const NuvTest::CurrentFolderScope current(scratch.Path());
-    EXPECT_EQ(RootTextOf(Parse("<!DOCTYPE r SYSTEM 'r.dtd'><r>&e;</r>")), UniString(u"text"));
-    scheme = LineInfoParser::Val_Always;
-    EXPECT_FALSE(Parse("<!DOCTYPE r SYSTEM 'r.dtd'>\n<r><a/></r>"));
-    ExpectReport(2, u"no declaration found for element 'a'");
-}
-
-TEST_F(ValidatingXMLParserTest, ReportsAMissingEntity)
-{
-    const NuvTest::CurrentFolderScope current(scratch.Path());
-    EXPECT_FALSE(Parse("<!DOCTYPE r [<!ENTITY e SYSTEM 'missing.ent'>]>\n<r>\n&e;</r>"));
-    const IO::Location missing(scratch.PathOf("missing.ent"));
-    ExpectReport(3, UniString(u"unable to open external entity '") + missing.ToURL() + u"'");
-}
-
-TEST_F(ValidatingXMLParserTest, LeavesOtherURLsToXerces)
-{
-    // Nothing listens on that port; the file library would have looked for a file.
-    EXPECT_FALSE(Parse("<!DOCTYPE r [<!ENTITY e SYSTEM 'http://127.0.0.1:1/e'>]>\n<r>&e;</r>"));
-    EXPECT_EQ(report.location.lineNumber, 2u);
-    EXPECT_EQ(report.message.View().find(u"unable to open external entity"), report.message.View().npos);
-}
-
-TEST_F(ValidatingXMLParserTest, ReportsAnEntityWhoseURLXercesDoesNotUnderstand)
-{
-    EXPECT_FALSE(Parse("<!DOCTYPE r [<!ENTITY e SYSTEM 'gopher://host/e'>]>\n<r>&e;</r>"));
-    ExpectReport(2, u"URL protocol 'gopher' is unsupported");
-}
-
-// Namespaces.
-
-TEST_F(ValidatingXMLParserTest, LeavesPrefixesAloneWithoutASchema)
-{
-    const Document document = Parse("<p:r xmlns:q='urn:q'><q:a/></p:r>");
-    ASSERT_TRUE(document) << report.message;
-    const auto* root = document->getDocumentElement();
-    EXPECT_EQ(UniString(root->getNodeName()), UniString(u"p:r"));
-    EXPECT_EQ(root->getFirstChild()->getNamespaceURI(), nullptr);
-    EXPECT_EQ(root->getFirstChild()->getLocalName(), nullptr);
-}
-
-TEST_F(ValidatingXMLParserTest, ProcessesNamespacesOnceASchemaIsLoaded)
-{
-    ASSERT_TRUE(LoadSchema(Schema));
-    const Document document = Parse(ValidBySchema);
-    ASSERT_TRUE(document) << report.message;
-    EXPECT_EQ(UniString(document->getDocumentElement()->getNamespaceURI()), UniString(u"urn:n"));
-    EXPECT_EQ(UniString(document->getDocumentElement()->getLocalName()), UniString(u"r"));
-    EXPECT_FALSE(Parse("\n<p:r/>"));
-    ExpectReport(2, u"prefix 'p' can not be resolved to namespace URI");
-}
-
-// Schemas.
-
-TEST_F(ValidatingXMLParserTest, ValidatesAgainstALoadedSchema)
-{
-    EXPECT_TRUE(LoadSchema(Schema));
-    ExpectUntouchedReport();
-    ExpectToParse(ValidBySchema);
-    EXPECT_FALSE(Parse(InvalidBySchema));
-    EXPECT_EQ(report.location.lineNumber, 2u);
-}
-
-TEST_F(ValidatingXMLParserTest, ValidatesAgainstASchemaWhateverTheScheme)
-{
-    ASSERT_TRUE(LoadSchema(Schema));
-    for (const auto each : {LineInfoParser::Val_Never, LineInfoParser::Val_Always, LineInfoParser::Val_Auto})
-    {
-        scheme = each;
-        ExpectToParse(ValidBySchema);
-        EXPECT_FALSE(Parse(InvalidBySchema));
-        EXPECT_FALSE(Parse("<r/>")) << "which no schema declares";
-    }
-}
-
-TEST_F(ValidatingXMLParserTest, KeepsTheSchemaWhenItsFileIsGone)
-{
-    ASSERT_TRUE(LoadSchema(Schema));
-    std::filesystem::remove(scratch.Path() / "schema.xsd");
-    for (int i = 0; i < 3; ++i)
-    {
-        ExpectToParse(ValidBySchema);
-        EXPECT_FALSE(Parse(InvalidBySchema));
-        EXPECT_FALSE(Parse("<"));
-    }
-}
-
-TEST_F(ValidatingXMLParserTest, ValidatesAgainstEverySchemaThatWasLoaded)
-{
-    ASSERT_TRUE(LoadSchema(Schema));
-    ASSERT_TRUE(LoadSchema(Write("other.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>"
-                                              "<xs:element name='other' type='xs:date'/></xs:schema>")));
-    ExpectToParse(ValidBySchema);
-    ExpectToParse("<other>2024-02-29</other>");
-    EXPECT_FALSE(Parse(InvalidBySchema));
-    EXPECT_FALSE(Parse("<other>2023-02-29</other>"));
-}
-
-TEST_F(ValidatingXMLParserTest, LoadsASchemaAfterAParse)
-{
-    ExpectToParse("<r/>");
-    EXPECT_FALSE(Parse("<r>"));
-    report = Report();
-    ASSERT_TRUE(LoadSchema(Schema));
-    ExpectUntouchedReport();
-    ExpectToParse(ValidBySchema);
-}
-
-TEST_F(ValidatingXMLParserTest, LoadsWhatASchemaIncludesFromBesideIt)
-{
-    // The resolver of entities, for which the current folder counts, belongs to Parse alone.
-    ExpectToParse("<r/>");
-    std::filesystem::create_directory(scratch.Path() / "sub");
-    scratch.Write("sub/part.xsd", Schema);
-    EXPECT_TRUE(LoadSchema(Write("sub/whole.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'"
-                                                  " targetNamespace='urn:n'>"
-                                                  "<xs:include schemaLocation='part.xsd'/></xs:schema>")))
-        << report.message;
-    ExpectToParse(ValidBySchema);
-}
-
-TEST_F(ValidatingXMLParserTest, LoadsSchemasWhateverTheirFileName)
-{
-    for (const char* name : {"a b.xsd", "\u00FC\u20AC.xsd", "%41.xsd"})
-    {
-        ValidatingXMLParser fresh;
-        EXPECT_TRUE(fresh.LoadSchema(Write(name, Schema), &report.location, &report.message))
-            << name << ": " << report.message;
-    }
-}
-
-TEST_F(ValidatingXMLParserTest, ReportsASchemaThatCannotBeOpened)
-{
-    for (const IO::Location& location :
-         {IO::Location(scratch.PathOf("missing.xsd")), IO::Location(scratch.PathOf("")), IO::Location()})
-    {
-        report = Report();
-        EXPECT_FALSE(LoadSchema(location));
-        ExpectReport(0, u"Could not open the XML Schema file.");
-    }
-}
-
-TEST_F(ValidatingXMLParserTest, ReportsASchemaThatMayNotBeRead)
-{
-    const IO::Location schema = Write("secret.xsd", Schema);
-    std::filesystem::permissions(scratch.Path(), std::filesystem::perms(0777));
-    std::filesystem::permissions(scratch.Path() / "secret.xsd", std::filesystem::perms::none);
-    const NuvTest::WithoutPrivileges unprivileged;
-    EXPECT_FALSE(LoadSchema(schema));
-    ExpectReport(0, u"Could not open the XML Schema file.");
-}
-
-TEST_F(ValidatingXMLParserTest, ReportsLineAndMessageOfASchemaThatIsNotWellFormed)
-{
-    EXPECT_FALSE(
-        LoadSchema("<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>\n<xs:element>\n</xs:schema>"));
-    ExpectReport(3, u"expected end of tag 'xs:element'");
-}
-
-TEST_F(ValidatingXMLParserTest, ReportsLineAndMessageOfAFaultInASchema)
-{
-    EXPECT_FALSE(LoadSchema("<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>\n"
-                            "<xs:element name='r' type='xs:nothing'/></xs:schema>"));
-    ExpectReport(2, u"type 'http://www.w3.org/2001/XMLSchema:nothing' not found");
-}
-
-TEST_F(ValidatingXMLParserTest, ReportsASchemaThatIsNone)
-{
-    EXPECT_FALSE(LoadSchema("\n<r/>"));
-    ExpectReport(2, u"root element name of XML Schema document must be 'schema'");
-}
-
-TEST_F(ValidatingXMLParserTest, ChangesNothingWhenASchemaFailsToLoad)
-{
-    for (const char* schema : {"<", "<r/>"})
-    {
-        EXPECT_FALSE(LoadSchema(schema));
-        ExpectToParse("<p:r/>");
-        ExpectToParse(InvalidDocument);
-    }
-}
-
-TEST_F(ValidatingXMLParserTest, KeepsItsSchemaWhenAnotherFailsToLoad)
-{
-    ASSERT_TRUE(LoadSchema(Schema));
-    for (const char* schema : {"<", "<r/>"})
-    {
-        EXPECT_FALSE(LoadSchema(schema));
-        ExpectToParse(ValidBySchema);
-        EXPECT_FALSE(Parse(InvalidBySchema));
-    }
 }
 
 // One document.
