@@ -4,9 +4,16 @@
 # Nuv::<name> in the build tree and when installed. Only what its export macro marks is visible.
 function(nuv_add_module name)
   cmake_parse_arguments(PARSE_ARGV 1 module "" "" "HEADERS;SOURCES;PUBLIC_LIBRARIES;PRIVATE_LIBRARIES")
+  set(include_root "${PROJECT_SOURCE_DIR}")
+  if(NUV_HAS_HOST_MODULES) # their headers are found, and not those of the portable editions beside this module
+    set(include_root "${PROJECT_BINARY_DIR}/include/${name}")
+    file(MAKE_DIRECTORY "${include_root}")
+    file(CREATE_LINK "${CMAKE_CURRENT_SOURCE_DIR}" "${include_root}/${name}" SYMBOLIC)
+    list(TRANSFORM module_HEADERS PREPEND "${include_root}/${name}/")
+  endif()
   add_library(${name} SHARED ${module_SOURCES})
   add_library(Nuv::${name} ALIAS ${name})
-  target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${module_HEADERS})
+  target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS "${include_root}" FILES ${module_HEADERS})
   target_compile_features(${name} PUBLIC cxx_std_20)
   target_link_libraries(${name} PUBLIC ${module_PUBLIC_LIBRARIES} PRIVATE ${module_PRIVATE_LIBRARIES} nuv_options)
   set_target_properties(${name} PROPERTIES

@@ -1,0 +1,3 @@
+#pragma once
+
+// The application's build defines NUVROOT_API.
