@@ -3,6 +3,7 @@
 #include "NuvRoot/UniString.hpp"
 #include "NuvXMLUtils/XMLCompare.hpp"
 
+//! [decision]
 /// The standard options, but the attribute that tells when a project was saved is not compared.
 class WithoutTimeStamp : public NuvXML::StrictOrderAutoValueCompareOptions
 {
@@ -13,3 +14,4 @@ class WithoutTimeStamp : public NuvXML::StrictOrderAutoValueCompareOptions
         return Nuv::UniString(attribute->getName()) != u"saved";
     }
 };
+//! [decision]

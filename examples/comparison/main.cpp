@@ -31,6 +31,7 @@ Document Load(const std::string& path)
     return document;
 }
 
+//! [first]
 void ShowFirstDifference(const char* what, const Document& left, const Document& right,
                          const NuvXML::IXMLCompareOptions& options)
 {
@@ -47,7 +48,9 @@ void ShowFirstDifference(const char* what, const Document& left, const Document&
         std::printf("%s\n\n", difference.GetText().ToString().c_str());
     }
 }
+//! [first]
 
+//! [all]
 void ShowAllDifferences(const Document& left, const Document& right,
                         const NuvXML::IXMLCompareOptions& options)
 {
@@ -66,6 +69,7 @@ void ShowAllDifferences(const Document& left, const Document& right,
                             });
     std::printf("\n%d differences\n", count);
 }
+//! [all]
 
 } // namespace
 

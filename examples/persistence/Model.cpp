@@ -15,6 +15,7 @@ using Nuv::UniString;
 constexpr Nuv::ClassVersion ProjectVersion{1, 0, 0};
 constexpr Nuv::ClassVersion ElementVersion{2, 1, 0};
 
+//! [double]
 /// The channels have no form for floating-point output: such a number is written as the shortest text that
 /// reads back as the same number.
 void WriteDouble(Nuv::XMLOChannel& channel, const char* name, double value)
@@ -23,6 +24,7 @@ void WriteDouble(Nuv::XMLOChannel& channel, const char* name, double value)
     Nuv::valuetostr(value, text, std::size(text));
     channel.WriteXML(name, UniString(text));
 }
+//! [double]
 
 /// Leaves `value` empty when there is no such element.
 template <class T>
@@ -33,6 +35,7 @@ void ReadOptional(Nuv::XMLIChannel& channel, const char* name, std::optional<T>&
         value = std::move(read);
 }
 
+//! [list]
 template <class Object>
 void WriteList(Nuv::XMLOChannel& channel, const char* listName, const Nuv::Array<Object>& objects)
 {
@@ -64,6 +67,7 @@ bool ReadList(Nuv::XMLIChannel& channel, const char* listName, Nuv::Array<Object
     }
     return channel.ReadEndElement(listName) == Nuv::Success;
 }
+//! [list]
 
 /// False, with a message, when a newer program wrote the object in a way that this one may not understand.
 bool CheckVersion(Nuv::XMLIChannel& channel, const Nuv::ClassVersion& known)

@@ -37,6 +37,7 @@ constexpr BitNames PanelNames[] = {{1, "layers"}, {2, "colours"}, {4, "history"}
 
 // Writing.
 
+//! [write]
 /// Element writers: every element says by its result whether it was written.
 bool WriteWindow(DOMElement* root, const Settings& settings)
 {
@@ -55,6 +56,7 @@ void WriteEditor(DOMElement* root, const Settings& settings)
     NewBoolTag(root, "autosave", settings.autosave, 1);
     WriteBits(root, "panels", settings.panels, PanelNames, 1);
 }
+//! [write]
 
 bool Write(const Settings& settings, const IO::Location& location)
 {
@@ -74,6 +76,7 @@ bool Write(const Settings& settings, const IO::Location& location)
 
 // Reading.
 
+//! [read]
 /// Element readers: what is missing or no number is 0, and nothing is said about it.
 void ReadWindow(const DOMElement* window, Settings& settings)
 {
@@ -85,6 +88,7 @@ void ReadWindow(const DOMElement* window, Settings& settings)
         else
             ReadBooleanNode(child, "maximised", settings.maximised);
 }
+//! [read]
 
 unsigned int ReadPanels(const DOMElement* panels)
 {
@@ -105,6 +109,7 @@ Nuv::UniString ReadString(const DOMElement* tag)
     return Nuv::UniString(std::u16string_view(text));
 }
 
+//! [read tags]
 /// Tag getters: a value that is not exactly right is an exception, which tells where it stands.
 void ReadTag(const DOMElement* tag, Settings& settings)
 {
@@ -119,6 +124,7 @@ void ReadTag(const DOMElement* tag, Settings& settings)
     else if (IsNodeOk(tag, "panels"))
         settings.panels = ReadPanels(tag);
 }
+//! [read tags]
 
 /// Reads values and tells of every one that is wrong, as compilers do.
 class FaultTeller
@@ -168,8 +174,10 @@ bool Read(const IO::Location& location, Settings& settings)
         faults.Tell(errorLine.lineNumber, errorMessage);
         return false;
     }
+    //! [lines]
     // This is how the exceptions come to know their lines.
     document->setUserData(u"NodeLocations", &lines, nullptr);
+    //! [lines]
 
     const DOMElement* const root = document->getDocumentElement();
     faults.Try([&] { settings.version = GetULongAttr(root, "version"); });

@@ -29,6 +29,7 @@ namespace
 
 using Nuv::UniString;
 
+//! [buffer]
 /// Collects the many small writes of a stream writer before they go to the file. The first error stays.
 class BufferedChannel : public Nuv::OChannel
 {
@@ -59,6 +60,7 @@ class BufferedChannel : public Nuv::OChannel
     std::string buffer;
     int error = 0;
 };
+//! [buffer]
 
 /// A file in the folder for temporary files that is open for writing; removed at the end of the scope.
 class ScratchFile
