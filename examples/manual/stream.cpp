@@ -5,6 +5,8 @@
 #include "NuvXMLUtils/SAXWriters.hpp"
 
 #include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/sax2/SAX2XMLReader.hpp>
 #include <xercesc/sax2/XMLReaderFactory.hpp>
 
@@ -78,6 +80,8 @@ bool Copy(const std::string& text, Nuv::OChannel& channel, const char16_t* encod
     const std::unique_ptr<xercesc_3_0::SAX2XMLReader> reader(
         xercesc_3_0::XMLReaderFactory::createXMLReader());
     reader->setContentHandler(&writer);
+    xercesc_3_0::DefaultHandler errors; // throws; without it a damaged text would just end early
+    reader->setErrorHandler(&errors);
     reader->parse(xercesc_3_0::MemBufInputSource(reinterpret_cast<const XMLByte*>(text.data()), text.size(),
                                                  u"offers"));
     return target.GetErrorCode() == 0;
@@ -86,13 +90,20 @@ bool Copy(const std::string& text, Nuv::OChannel& channel, const char16_t* encod
 } // namespace
 
 int main()
+try
 {
     Nuv::MemoryOChannel written;
     Write(written);
     Nuv::MemoryOChannel filtered;
     Nuv::MemoryOChannel ascii;
-    const bool isCopied = Copy<WithoutPrices>(written.GetBytes(), filtered, u"UTF-8") &&
-                          Copy<NuvXML::SAX2Writer>(written.GetBytes(), ascii, u"US-ASCII", false);
-    std::cout << written.GetBytes() << '\n' << filtered.GetBytes() << "\n\n" << ascii.GetBytes() << '\n';
-    return isCopied ? 0 : 1;
+    if (!Copy<WithoutPrices>(written.GetBytes(), filtered, u"UTF-8") ||
+        !Copy<NuvXML::SAX2Writer>(written.GetBytes(), ascii, u"US-ASCII", false))
+        return 1;
+    std::cout << written.GetBytes() << '\n' << filtered.GetBytes() << "\n\n" << ascii.GetBytes() << "\n\n";
+    Copy<WithoutPrices>("<Offers>\n<Offer></Offers>", filtered, u"UTF-8");
+}
+catch (const xercesc_3_0::SAXParseException& exception)
+{
+    std::cout << "line " << exception.getLineNumber() << ": " << Nuv::UniString(exception.getMessage())
+              << '\n';
 }

@@ -14,6 +14,7 @@
 
 #include <sys/resource.h>
 #include <xercesc/dom/DOM.hpp>
+#include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/sax2/SAX2XMLReader.hpp>
 #include <xercesc/sax2/XMLReaderFactory.hpp>
 
@@ -152,7 +153,9 @@ std::uintmax_t Echo(const IO::Location& source, ScratchFile& copy)
     NuvXML::SAX2Writer writer(formatter, false);
     const std::unique_ptr<xercesc_3_0::SAX2XMLReader> reader(
         xercesc_3_0::XMLReaderFactory::createXMLReader());
+    xercesc_3_0::DefaultHandler errors; // throws at damage; without it the copy would just end there
     reader->setContentHandler(&writer);
+    reader->setErrorHandler(&errors);
     reader->parse(LocationInputSource(source));
     return channel.Flush() == 0 && target.GetErrorCode() == 0 ? copy.Size() : 0;
 }
