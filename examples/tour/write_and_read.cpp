@@ -1,8 +1,8 @@
+// README: begin
 #include "NuvXMLUtils/NuvXMLInterface.hpp"
 
 #include <iostream>
 
-// README: begin
 struct Wall
 {
     Nuv::UniString name;
@@ -29,7 +29,7 @@ int main()
     const NuvXML::XMLOChannelGuard outputGuard(&output);
     Wall{u"North", 275}.Write(*output);
     const Nuv::UniString text = NuvXML::ExportOChannelToUniString(output);
-    std::cout << text;
+    std::cout << text << '\n';
 
     Nuv::XMLIChannel* input = NuvXML::CreateXMLIChannelFromMemory(text, true);
     const NuvXML::XMLIChannelGuard inputGuard(&input);
