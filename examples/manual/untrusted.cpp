@@ -1,0 +1,84 @@
+// Loads and streams documents that nobody vouches for, within limits.
+
+#include "NuvXMLUtils/LimitedSAX2Reader.hpp"
+#include "NuvXMLUtils/ValidatingXMLParser.hpp"
+
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/sax2/DefaultHandler.hpp>
+
+#include <iostream>
+#include <string>
+
+namespace
+{
+
+std::string Nested(int levels)
+{
+    std::string text;
+    for (int level = 0; level < levels; ++level)
+        text += "<a>\n";
+    for (int level = 0; level < levels; ++level)
+        text += "</a>";
+    return text;
+}
+
+/// Entities that hold ten of the one before: the last stands for a million characters.
+const char Bomb[] = "<!DOCTYPE a [<!ENTITY e0 '!'><!ENTITY e1 '&e0;&e0;&e0;&e0;&e0;&e0;&e0;&e0;&e0;&e0;'>\n"
+                    "<!ENTITY e2 '&e1;&e1;&e1;&e1;&e1;&e1;&e1;&e1;&e1;&e1;'>\n"
+                    "<!ENTITY e3 '&e2;&e2;&e2;&e2;&e2;&e2;&e2;&e2;&e2;&e2;'>\n"
+                    "<!ENTITY e4 '&e3;&e3;&e3;&e3;&e3;&e3;&e3;&e3;&e3;&e3;'>\n"
+                    "<!ENTITY e5 '&e4;&e4;&e4;&e4;&e4;&e4;&e4;&e4;&e4;&e4;'>\n"
+                    "<!ENTITY e6 '&e5;&e5;&e5;&e5;&e5;&e5;&e5;&e5;&e5;&e5;'>]>\n"
+                    "<a>&e6;</a>";
+
+const char Thief[] = "<!DOCTYPE a [<!ENTITY secret SYSTEM '/etc/passwd'>]>\n<a>&secret;</a>";
+
+void Load(ValidatingXMLParser& parser, const char* what, const std::string& text)
+{
+    NodeLocationInfo place;
+    Nuv::UniString reason;
+    const NuvXML::XercesPtr<xercesc_3_0::DOMDocument> document(
+        parser.Parse(reinterpret_cast<const unsigned char*>(text.data()),
+                     static_cast<unsigned int>(text.size()), ValidatingXMLParser::LineInfoParser::Val_Never,
+                     false, Nuv::UniString(u"upload"), nullptr, &place, &reason));
+    if (document)
+        std::cout << what << ": loaded\n";
+    else
+        std::cout << what << ", line " << place.lineNumber << ": " << reason << '\n';
+}
+
+void Stream(const ParserLimits& limits, const char* what, const std::string& text)
+try
+{
+    const auto reader = NuvXML::CreateSAX2Reader(limits);
+    xercesc_3_0::DefaultHandler handler; // your own content handler, and an error handler that throws
+    reader->setContentHandler(&handler);
+    reader->setErrorHandler(&handler);
+    reader->parse(xercesc_3_0::MemBufInputSource(reinterpret_cast<const XMLByte*>(text.data()), text.size(),
+                                                 u"upload"));
+    std::cout << what << ": read to its end\n";
+}
+catch (const xercesc_3_0::SAXParseException& exception)
+{
+    std::cout << what << ", line " << exception.getLineNumber() << ": "
+              << Nuv::UniString(exception.getMessage()) << '\n';
+}
+
+} // namespace
+
+int main()
+{
+    ParserLimits limits = ParserLimits::ForUntrustedInput();
+    ValidatingXMLParser parser;
+    parser.SetLimits(limits);
+    Load(parser, "900 levels", Nested(900));
+    Load(parser, "2000 levels", Nested(2000));
+    Load(parser, "A bomb", Bomb);
+    Load(parser, "A thief", Thief);
+    Stream(limits, "A streamed bomb", Bomb);
+
+    limits.forbidDocumentTypes = true; // who needs none
+    parser.SetLimits(limits);
+    Load(parser, "Any document type", "<!DOCTYPE a [<!ELEMENT a ANY>]><a/>");
+}
