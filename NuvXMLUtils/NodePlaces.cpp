@@ -107,6 +107,8 @@ void NodePlaces::NumberChildrenOf(const DOMNode* parent)
     std::unordered_map<std::u16string_view, Group> groups;
     for (const DOMNode* child = parent->getFirstChild(); child; child = child->getNextSibling())
     {
+        if (child->getNodeType() == DOMNode::DOCUMENT_TYPE_NODE) // has the name of the document element
+            continue;
         Group& group = groups.try_emplace(StepName(child), Group{child, 0}).first->second;
         positionOfNode[child] = ++group.count;
     }
@@ -115,17 +117,20 @@ void NodePlaces::NumberChildrenOf(const DOMNode* parent)
             positionOfNode[group.first] = 0;
 }
 
-unsigned int NodePlaces::RecordedLineOf(const DOMNode* node)
+const NodePlaces::RecordedLines* NodePlaces::Recorded(const DOMNode* node)
 {
-    if (locations && lineOfNode.empty())
+    if (locations && linesOfNode.empty())
         for (const auto* block = locations->first.get(); block; block = block->next.get())
         {
             const size_t used = block == locations->last ? locations->usedInLast : NodeLocations::BlockSize;
             for (size_t i = 0; i < used; ++i)
-                lineOfNode.try_emplace(block->nodes[i], block->locations[i].lineNumber);
+            {
+                const unsigned int line = block->locations[i].lineNumber;
+                linesOfNode.try_emplace(block->nodes[i], RecordedLines{line, line}).first->second.last = line;
+            }
         }
-    const auto found = lineOfNode.find(node);
-    return found == lineOfNode.end() ? 0 : found->second;
+    const auto found = linesOfNode.find(node);
+    return found == linesOfNode.end() ? nullptr : &found->second;
 }
 
 unsigned int NodePlaces::LineOf(const DOMNode* node)
@@ -136,19 +141,19 @@ unsigned int NodePlaces::LineOf(const DOMNode* node)
         return LineOf(static_cast<const DOMText*>(node), value.find_last_not_of(u" \t\r\n"));
     }
     for (; node; node = ParentOf(node))
-        if (const unsigned int line = RecordedLineOf(node); line != 0)
-            return line;
+        if (const RecordedLines* const lines = Recorded(node); lines && lines->first != 0)
+            return lines->first;
     return 0;
 }
 
 unsigned int NodePlaces::LineOf(const DOMText* text, size_t offset)
 {
-    const unsigned int lineOfEnd = RecordedLineOf(text);
-    if (lineOfEnd == 0)
+    const RecordedLines* const lines = Recorded(text);
+    if (!lines || lines->last == 0)
         return LineOf(ParentOf(text));
     const std::u16string_view value = ViewOf(text->getNodeValue());
     const unsigned int below = offset < value.size() ? LineFeedsIn(value.substr(offset)) : 0;
-    return below < lineOfEnd ? lineOfEnd - below : 1;
+    return below < lines->last ? lines->last - below : 1;
 }
 
 } // namespace NuvXML

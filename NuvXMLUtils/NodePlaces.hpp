@@ -38,18 +38,25 @@ class NUVXMLUTILS_API NodePlaces
     /// has that of its parent. 0 when nothing is known.
     unsigned int LineOf(const xercesc_3_0::DOMNode* node);
 
-    /// The line on which a character of a text stands, if the text was parsed in one piece, as it is unless
-    /// it has several thousand characters or entity references in it.
+    /// The line on which a character of a text stands; wrong only before an entity reference whose
+    /// replacement has line ends.
     /// @param offset of the character in the node's value
     unsigned int LineOf(const xercesc_3_0::DOMText* text, size_t offset);
 
   private:
+    /// Text that is parsed in pieces is recorded after each of them.
+    struct RecordedLines
+    {
+        unsigned int first;
+        unsigned int last;
+    };
+
     unsigned int PositionOf(const xercesc_3_0::DOMNode* node);
     void NumberChildrenOf(const xercesc_3_0::DOMNode* parent);
-    unsigned int RecordedLineOf(const xercesc_3_0::DOMNode* node);
+    const RecordedLines* Recorded(const xercesc_3_0::DOMNode* node);
 
     const NodeLocations* locations;
-    std::unordered_map<const xercesc_3_0::DOMNode*, unsigned int> lineOfNode;
+    std::unordered_map<const xercesc_3_0::DOMNode*, RecordedLines> linesOfNode;
     std::unordered_map<const xercesc_3_0::DOMNode*, unsigned int> positionOfNode;
 };
 

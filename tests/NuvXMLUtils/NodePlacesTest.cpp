@@ -61,6 +61,12 @@ TEST_F(NodePlacesTest, CountsSiblingsThatShareAName)
     EXPECT_EQ(PathOf(ChildAt(Root(), 4)), "/p/a[3]");
 }
 
+TEST_F(NodePlacesTest, DoesNotCountTheDocumentType)
+{
+    Load("<!DOCTYPE p [<!ENTITY e 'x'>]><p/>");
+    EXPECT_EQ(PathOf(Root()), "/p");
+}
+
 TEST_F(NodePlacesTest, NamesAnAttributeBehindItsElement)
 {
     Load("<p><x:a xmlns:x='u' x:height='1'/></p>");
@@ -125,6 +131,20 @@ TEST_F(NodePlacesTest, TellsTheLineOfACharacterInText)
     EXPECT_EQ(places.LineOf(text, value.find(u"first")), 2u);
     EXPECT_EQ(places.LineOf(text, value.find(u"second")), 3u);
     EXPECT_EQ(places.LineOf(text, value.size()), 4u);
+}
+
+TEST_F(NodePlacesTest, TellsTheLineOfACharacterInTextThatIsParsedInPieces)
+{
+    std::string content;
+    for (int line = 1; line <= 10000; ++line)
+        content += "line " + std::to_string(line) + "\n";
+    Load("<!DOCTYPE p [<!ENTITY e 'entity'>]><p>" + content + "&e;\n&amp;\n</p>");
+    const auto* const text = static_cast<const DOMText*>(Root()->getFirstChild());
+    const std::u16string_view value(text->getNodeValue());
+    EXPECT_EQ(places.LineOf(text, 0), 1u);
+    EXPECT_EQ(places.LineOf(text, value.find(u"line 9999\n")), 9999u);
+    EXPECT_EQ(places.LineOf(text, value.find(u"entity")), 10001u);
+    EXPECT_EQ(places.LineOf(text), 10002u);
 }
 
 TEST_F(NodePlacesTest, GivesANodeThatWasNotRecordedTheLineOfItsParent)
