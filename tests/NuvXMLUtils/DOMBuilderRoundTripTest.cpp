@@ -1,5 +1,8 @@
 #include "NuvXMLUtils/NuvXMLDOMBuilder.hpp"
 
+#include "NuvXMLUtils/testing/XMLMatchers.hpp"
+#include "tests/NuvXMLUtils/ExactCompareOptions.hpp"
+
 #include <gtest/gtest.h>
 
 #include <xercesc/dom/DOMNamedNodeMap.hpp>
@@ -253,6 +256,7 @@ TEST(DOMBuilderRoundTrip, ExportsTheSameTextAfterItWasParsed)
         const auto parsed = Parse(text);
         DOMBuilder again(parsed.get(), nullptr, DOMBuilder::LeaveDocumentToCaller, 0);
         const std::string second = again.Export().ToUTF8();
+        ASSERT_THAT(second, NuvXML::EqualsXML(text, NuvTest::ExactCompareOptions())) << "seed " << seed;
         ASSERT_TRUE(Described(*Parse(second)) == Described(*parsed)) << "seed " << seed;
     }
 }

@@ -1,5 +1,7 @@
 #include "NuvXMLUtils/FormatXMLDoc.hpp"
 
+#include "NuvXMLUtils/testing/XMLMatchers.hpp"
+#include "tests/NuvXMLUtils/ExactCompareOptions.hpp"
 #include "tests/NuvXMLUtils/PlainPrinter.hpp"
 #include "tests/NuvXMLUtils/PrinterSupport.hpp"
 
@@ -257,6 +259,7 @@ TEST_P(FormatXMLDocInEncoding, WritesTextThatParsesToAnEqualTree)
     {
         const Document document = DocumentGenerator(seed).Make();
         const std::string bytes = Print(*document, GetParam().name);
+        ASSERT_THAT(bytes, NuvXML::EqualsXML(Print(*document), ExactCompareOptions())) << "seed " << seed;
         ASSERT_TRUE(Parse(bytes)->isEqualNode(document.get())) << "seed " << seed << "\n" << bytes;
     }
 }

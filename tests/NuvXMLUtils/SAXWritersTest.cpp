@@ -1,6 +1,8 @@
 #include "NuvXMLUtils/SAXWriters.hpp"
 
 #include "NuvXMLUtils/ChannelFormatTargets.hpp"
+#include "NuvXMLUtils/testing/XMLMatchers.hpp"
+#include "tests/NuvXMLUtils/ExactCompareOptions.hpp"
 #include "tests/NuvXMLUtils/PrinterSupport.hpp"
 
 #include <xercesc/internal/VecAttributesImpl.hpp>
@@ -20,6 +22,7 @@ namespace
 using namespace NuvTest;
 using namespace xercesc_3_0;
 using Nuv::UniString;
+using NuvXML::EqualsXML;
 using NuvXML::NuvSAX2Writer;
 using NuvXML::SAX2Writer;
 using NuvXML::SAXWriter;
@@ -432,6 +435,7 @@ TEST(SAXWriters, EchoTextThatParsesToAnEqualTree)
         RemoveOtherNodes(*document);
         document->normalizeDocument();
         document->normalize();
+        EXPECT_THAT(EchoSAX(text), EqualsXML(text, ExactCompareOptions())) << "seed " << seed;
         EXPECT_TRUE(Parse(EchoSAX(text))->isEqualNode(document.get())) << "seed " << seed;
     }
 }
