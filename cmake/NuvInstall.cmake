@@ -9,8 +9,10 @@ write_basic_package_version_file(NuvXMLUtilsConfigVersion.cmake COMPATIBILITY Sa
 install(FILES
     "${CMAKE_CURRENT_BINARY_DIR}/NuvXMLUtilsConfig.cmake"
     "${CMAKE_CURRENT_BINARY_DIR}/NuvXMLUtilsConfigVersion.cmake"
-  DESTINATION "${package_folder}")
-install(EXPORT NuvXMLUtilsTargets NAMESPACE Nuv:: DESTINATION "${package_folder}")
+  DESTINATION "${package_folder}"
+  COMPONENT development)
+install(EXPORT NuvXMLUtilsTargets NAMESPACE Nuv:: DESTINATION "${package_folder}" COMPONENT development)
 
 configure_file(cmake/nuvxmlutils.pc.in nuvxmlutils.pc @ONLY)
-install(FILES "${CMAKE_CURRENT_BINARY_DIR}/nuvxmlutils.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+install(FILES "${CMAKE_CURRENT_BINARY_DIR}/nuvxmlutils.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
+  COMPONENT development)
