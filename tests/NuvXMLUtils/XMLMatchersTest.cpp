@@ -177,34 +177,42 @@ TEST(EqualsXML, ShowsLinesInUTF8AndTheirBeginningWhereTheyAreLong)
         testing::EndsWith("/a/text(): <a>\xC3\xA9" + std::string(196, 'x') + "..."));
 }
 
+/// Pairs the last child on the left with the first on the right.
+class CrosswiseComparator : public NuvXML::XMLNodeComparator
+{
+    void WalkThrough() override
+    {
+        if (LeftWalker()->lastChild() && RightWalker()->firstChild())
+            ControlNodeComparison();
+    }
+};
+
+class CrosswiseOptions : public StrictOrderAutoValueCompareOptions
+{
+    CrosswiseOptions* Clone() const override { return new CrosswiseOptions(*this); }
+    NuvXML::XMLNodeComparator* PrepareNodeComparator(const xercesc_3_0::DOMElement*,
+                                                     const xercesc_3_0::DOMElement*) override
+    {
+        return new CrosswiseComparator;
+    }
+};
+
 TEST(EqualsXML, TellsADifferenceThatOnlyTheOptionsFindWithoutPlaces)
 {
-    /// Pairs the first child with itself and no other.
-    class FirstChildOnly : public NuvXML::XMLNodeComparator
-    {
-        void WalkThrough() override
-        {
-            if (LeftWalker()->lastChild() && RightWalker()->firstChild())
-                ControlNodeComparison();
-        }
-    };
-    class Options : public StrictOrderAutoValueCompareOptions
-    {
-        Options* Clone() const override { return new Options(*this); }
-        NuvXML::XMLNodeComparator* PrepareNodeComparator(const xercesc_3_0::DOMElement*,
-                                                         const xercesc_3_0::DOMElement*) override
-        {
-            return new FirstChildOnly;
-        }
-    };
-    EXPECT_THAT("<a><b><c>1</c><c>2</c></b></a>", EqualsXML("<a><b><c>0</c><c>1</c></b></a>", Options()));
-    EXPECT_EQ(
-        Explanation(EqualsXML("<a><b><c>1</c><c>2</c></b></a>", Options()), "<a><b><c>1</c><c>2</c></b></a>"),
-        "which differs from the expected document:\n"
-        "Diff at nodes:\n"
-        "\t- a/b/c\n"
-        "\t- a/b/c\n"
-        "\tText node values \"2\" and \"1\" don't match.");
+    const auto matcher = EqualsXML("<a><b><c>1</c><c>2</c></b></a>", CrosswiseOptions());
+    EXPECT_THAT("<a><b><c>2</c><c>3</c></b></a>", matcher);
+    EXPECT_EQ(Explanation(matcher, "<a><b><c>1</c><c>2</c></b></a>"),
+              "which differs from the expected document:\n"
+              "Diff at nodes:\n"
+              "\t- a/b/c\n"
+              "\t- a/b/c\n"
+              "\tText node values \"2\" and \"1\" don't match.");
+    EXPECT_EQ(Explanation(matcher, "<a><b><c>3</c><c>2</c></b></a>"),
+              "which differs from the expected document:\n"
+              "Diff at nodes:\n"
+              "\t- a/b/c\n"
+              "\t- a/b/c\n"
+              "\tText node values \"2\" and \"3\" don't match.");
 }
 
 TEST(EqualsXML, TellsWhichTextIsNotWellFormed)
