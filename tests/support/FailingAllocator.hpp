@@ -4,6 +4,8 @@
 /// new-handler, so that a failing `new` throws what it throws in the application.
 #pragma once
 
+#include "NuvRoot/Exceptions.hpp"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -40,6 +42,19 @@ class Pause
   private:
     bool wasArmed;
 };
+
+/// Expects that the call succeeds or throws the application's exception for lack of memory.
+template <class Call>
+void ExpectOutOfMemoryOnly(Call call)
+{
+    try
+    {
+        call();
+    }
+    catch (const Nuv::OutOfMemoryException&)
+    {
+    }
+}
 
 /// Runs `operation` again and again, with its first allocation failing, then its second and so on, until it
 /// runs through. The operation catches what it expects to be thrown.

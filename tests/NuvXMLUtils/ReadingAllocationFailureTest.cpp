@@ -1,0 +1,147 @@
+// Makes each allocation of each operation of the input channels fail in turn.
+
+#include "NuvXMLUtils/NuvXMLInterface.hpp"
+#include "tests/NuvXMLUtils/AllocationFailureSupport.hpp"
+
+namespace
+{
+
+using namespace AllocationFailureTests;
+
+class AllocationFailureOfReader : public testing::TestWithParam<Operation<Nuv::XMLIChannel>>
+{
+};
+
+TEST_P(AllocationFailureOfReader, ThrowsTheApplicationsExceptionAndLeavesNothingBehind)
+{
+    Sweep(
+        []
+        {
+            Nuv::XMLIChannel* reader = nullptr;
+            {
+                const Pause pause;
+                reader = NuvXML::CreateXMLIChannelFromMemory(Data(DocumentText), Size(DocumentText), true);
+                reader->AddMessage(UniString(u"a message that is longer than a short string"));
+            }
+            ExpectOutOfMemoryOnly([&] { GetParam().call(*reader); });
+            const Pause pause;
+            NuvXML::DisposeXMLIChannel(reader);
+        });
+}
+
+template <class T>
+void ReadElement(Nuv::XMLIChannel& reader, const char* name)
+{
+    T value{};
+    reader.ReadXML(name, value);
+}
+
+template <class T>
+void ReadAttribute(Nuv::XMLIChannel& reader, const char* name)
+{
+    T value{};
+    reader.ReadXMLAttr(name, value);
+}
+
+const Operation<Nuv::XMLIChannel> ReaderOperations[] = {
+    {"Create", [](auto& reader) { delete reader.Create(UniString(), UniString()); }},
+    {"GetLocation",
+     [](auto& reader)
+     {
+         IO::Location location;
+         reader.GetLocation(location);
+     }},
+    {"GetNextTokenTypeName",
+     [](auto& reader)
+     {
+         UniString name;
+         reader.GetNextTokenTypeName(name);
+     }},
+    {"ReadStartElementWithLongName", [](auto& reader) { reader.ReadStartElement(LongText(1'000).c_str()); }},
+    {"ReadToTheEnd",
+     [](auto& reader)
+     {
+         while (reader.ReadToken(0) == Nuv::Success)
+             continue;
+     }},
+    {"ReadXMLOfString", [](auto& reader) { ReadElement<UniString>(reader, "Name"); }},
+    {"ReadXMLOfNumber", [](auto& reader) { ReadElement<int>(reader, "Height"); }},
+    {"ReadXMLOfWrongNumber", [](auto& reader) { ReadElement<int>(reader, "Name"); }},
+    {"ReadXMLOfBool", [](auto& reader) { ReadElement<bool>(reader, "Flag"); }},
+    {"ReadXMLOfGuid", [](auto& reader) { ReadElement<Nuv::Guid>(reader, "Name"); }},
+    {"ReadXMLOfMissingElement", [](auto& reader) { ReadElement<int>(reader, "NotThereAtAll"); }},
+    {"ReadXMLIntoBuffer",
+     [](auto& reader)
+     {
+         char buffer[64];
+         reader.ReadXML("Name", buffer, sizeof buffer);
+     }},
+    {"ReadXMLAttrOfGuid", [](auto& reader) { ReadAttribute<Nuv::Guid>(reader, "Guid"); }},
+    {"ReadXMLAttrOfNumber", [](auto& reader) { ReadAttribute<int>(reader, "Count"); }},
+    {"ReadXMLAttrThatIsMissing", [](auto& reader) { ReadAttribute<int>(reader, "NotThereAtAll"); }},
+    {"ReadXMLVersionAttr",
+     [](auto& reader)
+     {
+         Nuv::ClassVersion version;
+         reader.ReadXMLVersionAttr(version);
+     }},
+    {"ReadXMLCDATAString",
+     [](auto& reader)
+     {
+         UniString text;
+         reader.ReadXMLCDATAString(text);
+     }},
+    {"ReadXMLCDATAHexToBin",
+     [](auto& reader)
+     {
+         char* bytes = nullptr;
+         if (reader.ReadXMLCDATAHexToBin(&bytes) == Nuv::Success)
+             delete[] bytes;
+     }},
+    {"GetMessage",
+     [](auto& reader)
+     {
+         UniString text;
+         int code = 0;
+         reader.GetMessage(0, text, code);
+     }},
+};
+
+INSTANTIATE_TEST_SUITE_P(Operations, AllocationFailureOfReader, testing::ValuesIn(ReaderOperations),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+TEST(AllocationFailure, OfAReadLeavesTheReaderWhereItWas)
+{
+    Nuv::XMLIChannel* reader =
+        NuvXML::CreateXMLIChannelFromMemory(Data(DocumentText), Size(DocumentText), true);
+    UniString text;
+    FailAt(1, Mode::Once);
+    EXPECT_THROW(reader->ReadXML("Name", text), Nuv::OutOfMemoryException);
+    Disarm();
+    UniString name;
+    EXPECT_EQ(reader->GetTokenTypeName(name), Nuv::XMLStartElement);
+    EXPECT_EQ(name, UniString(u"Wall"));
+    NuvXML::DisposeXMLIChannel(reader);
+}
+
+TEST(AllocationFailure, OfAnInputGuardDeletesTheChannelAllTheSame)
+{
+    Sweep(
+        []
+        {
+            Nuv::XMLIChannel* channel = nullptr;
+            Nuv::Array<UniString> messages;
+            {
+                const Pause pause;
+                channel = NuvXML::CreateXMLIChannelFromMemory(Data(DocumentText), Size(DocumentText), true);
+                channel->AddMessage(UniString(u"a message that is longer than a short string"));
+            }
+            {
+                const NuvXML::XMLIChannelGuard guard(&channel, &messages);
+            }
+            const Pause pause;
+            EXPECT_EQ(channel, nullptr);
+            messages = {};
+        });
+}
+} // namespace
