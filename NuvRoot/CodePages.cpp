@@ -26,12 +26,21 @@ struct CloseConverter
 };
 using Converter = std::unique_ptr<UConverter, CloseConverter>;
 
+/// Whether ICU has its table of names. If there was no memory for it when it was first needed, ICU finds no
+/// name from then on.
+bool HasTableOfNames()
+{
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_countAliases("UTF-8", &status);
+    return U_SUCCESS(status);
+}
+
 /// Null when ICU does not know the name.
 Converter OpenConverter(const char* name)
 {
     UErrorCode status = U_ZERO_ERROR;
     Converter converter(ucnv_open(name, &status));
-    if (status == U_MEMORY_ALLOCATION_ERROR)
+    if (status == U_MEMORY_ALLOCATION_ERROR || (U_FAILURE(status) && !HasTableOfNames()))
         throw OutOfMemoryException();
     return U_SUCCESS(status) ? std::move(converter) : nullptr;
 }

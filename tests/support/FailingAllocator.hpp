@@ -9,6 +9,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <memory>
 #include <vector>
 
 namespace NuvTest::FailingAllocator
@@ -85,11 +87,45 @@ std::vector<long> LeaksOf(Operation operation, Mode mode)
 }
 
 /// Expects that the operation survives each failing allocation and leaves nothing behind.
+/// @return how many of its allocations were made to fail
 template <class Operation>
-void Sweep(Operation operation)
+size_t Sweep(Operation operation)
 {
+    size_t failures = 0;
     for (const Mode mode : {Mode::Once, Mode::FromThere})
-        EXPECT_THAT(LeaksOf(operation, mode), testing::Each(0));
+    {
+        const std::vector<long> leaks = LeaksOf(operation, mode);
+        EXPECT_THAT(leaks, testing::Each(0));
+        failures = leaks.size() - 1;
+    }
+    return failures;
+}
+
+/// Sweeps an operation on a value, a copy of `original` in each run. Expects that allocations fail, that each
+/// is told by the application's exception, and that the value then is as it was.
+template <class T, class Operation>
+void SweepKeeping(const T& original, Operation operation)
+{
+    const size_t failures = Sweep(
+        [&]
+        {
+            std::unique_ptr<T> value;
+            {
+                const Pause pause;
+                value = std::make_unique<T>(original);
+            }
+            bool hasFailed = true;
+            ExpectOutOfMemoryOnly(
+                [&]
+                {
+                    operation(*value);
+                    hasFailed = false;
+                });
+            const Pause pause;
+            EXPECT_TRUE(!hasFailed || *value == original);
+            value.reset();
+        });
+    EXPECT_GT(failures, 0u);
 }
 
 /// The same where a library below is known to leave blocks behind when an allocation fails in it: expects
