@@ -6,6 +6,7 @@
 #include <cstring>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace IO
 {
@@ -87,15 +88,16 @@ Nuv::UniString Location::ToURL() const
 
 void Location::AppendToLocal(const Name& name)
 {
-    if (!IsEmpty() && path[path.GetLength() - 1] != u'/')
-        path += u'/';
-    path += name.ToUniString();
+    const bool needsSlash = !IsEmpty() && path[path.GetLength() - 1] != u'/';
+    path += needsSlash ? Nuv::UniString(u"/") + name.ToUniString() : name.ToUniString();
 }
 
 void Location::AppendToLocal(const RelativeLocation& location)
 {
+    Location lower = *this;
     for (const Name& name : location.GetNames())
-        AppendToLocal(name);
+        lower.AppendToLocal(name);
+    *this = std::move(lower);
 }
 
 bool Location::GetLastLocalName(Name& name) const

@@ -12,7 +12,7 @@ namespace IO
 
 /// Where a file or folder is, or nowhere (empty). Names in the file system are UTF-8, whatever the local code
 /// page is. Nothing here touches the file system but ToURL, which needs the current folder for relative
-/// paths.
+/// paths. When memory runs out a location stays as it was.
 class INPUTOUTPUT_API Location
 {
   public:

@@ -8,10 +8,6 @@ Name::Name(const Nuv::UniString& name)
 {
 }
 
-void Name::AppendExtension(const Nuv::UniString& extension)
-{
-    text += u'.';
-    text += extension;
-}
+void Name::AppendExtension(const Nuv::UniString& extension) { text += Nuv::UniString(u".") + extension; }
 
 } // namespace IO

@@ -6,7 +6,7 @@
 namespace IO
 {
 
-/// The name of a file or folder, without a path.
+/// The name of a file or folder, without a path. When memory runs out a name stays as it was.
 class INPUTOUTPUT_API Name
 {
   public:

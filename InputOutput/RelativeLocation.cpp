@@ -2,6 +2,8 @@
 
 #include "InputOutput/PercentEncoding.hpp"
 
+#include <iterator>
+
 namespace IO
 {
 namespace
@@ -20,9 +22,8 @@ void RelativeLocation::AppendToLocal(const Name& name) { names.push_back(name); 
 
 void RelativeLocation::AppendToLocal(const RelativeLocation& location)
 {
-    names.reserve(names.size() + location.names.size());
-    for (size_t i = 0, count = location.names.size(); i < count; ++i)
-        names.push_back(location.names[i]);
+    Nuv::Array<Name> appended = location.names; // of this location itself, perhaps
+    names.insert(names.end(), std::move_iterator(appended.begin()), std::move_iterator(appended.end()));
 }
 
 Nuv::UniString RelativeLocation::ToURL() const

@@ -8,7 +8,8 @@
 namespace IO
 {
 
-/// A way down from some folder: the names on it, from the outermost to the innermost.
+/// A way down from some folder: the names on it, from the outermost to the innermost. When memory runs out it
+/// stays as it was.
 class INPUTOUTPUT_API RelativeLocation
 {
   public:
