@@ -48,7 +48,8 @@ class NUVXMLUTILS_API ValidatingXMLParser
 
     /// Loads an XML Schema. From then on every Parse validates against it, whatever scheme it is given, and
     /// processes namespaces. A failure changes nothing. The messages are Xerces', or
-    /// "Could not open the XML Schema file." and "Could not load the XML Schema.".
+    /// "Could not open the XML Schema file." and "Could not load the XML Schema.". A schema that it includes
+    /// or imports and that cannot be opened is no failure as long as nothing of it is needed.
     bool LoadSchema(const IO::Location& schema, NodeLocationInfo* errorLocation,
                     Nuv::UniString* errorMessage);
 
