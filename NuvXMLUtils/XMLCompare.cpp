@@ -1,6 +1,7 @@
 #include "NuvXMLUtils/XMLCompare.hpp"
 
 #include "NuvRoot/SharedObject.hpp"
+#include "NuvXMLUtils/OutOfMemory.hpp"
 
 #include <xercesc/dom/DOMTreeWalker.hpp>
 
@@ -19,9 +20,13 @@ namespace
 
 DOMTreeWalker* NewWalker(const DOMNode* root, DOMNodeFilter* filter)
 {
-    // Walkers take and give nodes that may be changed; the comparison changes none.
-    return root->getOwnerDocument()->createTreeWalker(const_cast<DOMNode*>(root), DOMNodeFilter::SHOW_ALL,
-                                                      filter, false);
+    return WithOwnOutOfMemory(
+        [&]
+        {
+            // Walkers take and give nodes that may be changed; the comparison changes none.
+            return root->getOwnerDocument()->createTreeWalker(const_cast<DOMNode*>(root),
+                                                              DOMNodeFilter::SHOW_ALL, filter, false);
+        });
 }
 
 const DOMElement* AsElement(const DOMNode* node)
