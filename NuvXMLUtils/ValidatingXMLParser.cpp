@@ -22,6 +22,28 @@
 namespace
 {
 
+/// The file of an external entity. Xerces owns it, and takes lack of memory for a file that cannot be opened.
+class EntitySource : public LocationInputSource
+{
+  public:
+    /// @param memoryFlag is set when memory runs out; must outlive the source
+    EntitySource(const IO::Location& file, bool& memoryFlag)
+        : LocationInputSource(file)
+        , ranOutOfMemory(memoryFlag)
+    {
+    }
+
+    xercesc_3_0::BinInputStream* makeStream() const override
+    {
+        xercesc_3_0::BinInputStream* stream = LocationInputSource::makeStream();
+        ranOutOfMemory = ranOutOfMemory || RanOutOfMemory();
+        return stream;
+    }
+
+  private:
+    bool& ranOutOfMemory;
+};
+
 /// Has external entities read through the application's file library.
 class NuvEntityResolver : public xercesc_3_0::EntityResolver
 {
@@ -35,14 +57,21 @@ class NuvEntityResolver : public xercesc_3_0::EntityResolver
             return new (xercesc_3_0::XMLPlatformUtils::fgMemoryManager) xercesc_3_0::URLInputSource(url);
         const xercesc_3_0::LocalFileInputSource file(NoBase, systemId);
         return new (xercesc_3_0::XMLPlatformUtils::fgMemoryManager)
-            LocationInputSource(IO::Location(Nuv::UniString(file.getSystemId())));
+            EntitySource(IO::Location(Nuv::UniString(file.getSystemId())), ranOutOfMemory);
     }
     catch (...)
     {
-        if (NuvXML::IsOutOfMemory())
-            return nullptr;
-        throw;
+        if (!NuvXML::IsOutOfMemory())
+            throw;
+        ranOutOfMemory = true;
+        return nullptr;
     }
+
+    /// Whether memory ran out for an entity, after which a parse may still succeed.
+    bool RanOutOfMemory() const { return ranOutOfMemory; }
+
+  private:
+    bool ranOutOfMemory = false;
 };
 
 /// Ends the parse with the first error that its owner does not take; warnings are dropped.
@@ -103,7 +132,8 @@ struct FailureReport
     NodeLocationInfo* location;
     Nuv::UniString* message;
 
-    void Write(XMLFileLoc line, const Nuv::UniString& text) const
+    /// Needs memory only for a message that the caller wants to know.
+    void Write(XMLFileLoc line, const XMLCh* text) const
     {
         if (location)
             location->lineNumber = static_cast<unsigned int>(line);
@@ -112,12 +142,17 @@ struct FailureReport
     }
 
     /// The result of a failing parse.
-    std::nullptr_t Null(const char16_t* text) const
+    std::nullptr_t Null(const XMLCh* text) const
     {
         Write(UnknownLine, text);
         return nullptr;
     }
 };
+
+bool CanBeOpened(const IO::Location& file)
+{
+    return IO::File(file, IO::FailWhenNotFound).Open(IO::ReadMode, IO::ReportAccessDenied) == IO::NoError;
+}
 
 constexpr char16_t FailedToParse[] = u"Failed to parse XML document";
 
@@ -170,13 +205,13 @@ bool ValidatingXMLParser::LoadSchema(const IO::Location& schema, NodeLocationInf
 {
     const FailureReport failure{errorLocation, errorMessage};
     ranOutOfMemory = false;
-    if (IO::File(schema, IO::FailWhenNotFound).Open(IO::ReadMode, IO::ReportAccessDenied) != IO::NoError)
-    {
-        failure.Write(UnknownLine, u"Could not open the XML Schema file.");
-        return false;
-    }
     try
     {
+        if (!CanBeOpened(schema))
+        {
+            failure.Write(UnknownLine, u"Could not open the XML Schema file.");
+            return false;
+        }
         if (!EnsureParser())
             throw Nuv::NuvException();
         DOMTreeErrorReporter errorReporter;
@@ -222,10 +257,10 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(xercesc_3_0::InputSource& s
     const FailureReport failure{errorLocation, errorMessage};
     ranOutOfMemory = false;
     parser->SetNodeLocations(nodeLocations);
+    NuvEntityResolver entityResolver;
     try
     {
         DOMTreeErrorReporter errorReporter(errorHandler);
-        NuvEntityResolver entityResolver;
         parser->reset();
         parser->ForgetXMLVersion();
         const bool validatesAgainstSchema = parser->getDoSchema();
@@ -251,6 +286,7 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(xercesc_3_0::InputSource& s
         HandleUnknownFailure();
         failure.Write(UnknownLine, FailedToParse);
     }
+    ranOutOfMemory = ranOutOfMemory || entityResolver.RanOutOfMemory();
     return nullptr;
 }
 

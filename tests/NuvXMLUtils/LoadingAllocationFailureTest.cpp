@@ -1,5 +1,6 @@
 // Makes each allocation of loading fail in turn.
 
+#include "NuvXMLUtils/FormatXMLDoc.hpp"
 #include "NuvXMLUtils/LocationInputSource.hpp"
 #include "NuvXMLUtils/NodeLocations.hpp"
 #include "NuvXMLUtils/NuvXMLInterface.hpp"
@@ -163,6 +164,146 @@ TEST(AllocationFailure, OfLoadingASchemaIsReportedAndLeavesTheParserUsable)
                                           nullptr, nullptr, nullptr)))
             << "after allocation " << nth << " has failed";
     }
+}
+
+/// Makes each allocation of the call fail, until it runs through.
+template <class Call>
+void FailEachIn(Call call)
+{
+    for (const Mode mode : {Mode::Once, Mode::FromThere})
+    {
+        bool hasFailed = true;
+        for (long nth = 1; hasFailed; ++nth)
+        {
+            FailAt(nth, mode);
+            try
+            {
+                call();
+                hasFailed = Disarm();
+            }
+            catch (const std::bad_alloc&)
+            {
+                Disarm();
+                ADD_FAILURE() << "with allocation " << nth << " failing";
+            }
+        }
+    }
+}
+
+std::string TextOf(const Document& document)
+{
+    Nuv::MemoryOChannel channel;
+    EXPECT_TRUE(FormatXMLDoc(document.get(), &channel, nullptr, false));
+    return channel.GetBytes();
+}
+
+/// A document with an external entity and an external DTD.
+IO::Location WriteDocumentWithEntities(const ScratchFolder& folder)
+{
+    const std::string entity = folder.Write("entity.xml", "<Name>from the entity</Name>").ToUTF8();
+    const std::string dtd = folder.Write("wall.dtd", "<!ELEMENT Wall ANY><!ELEMENT Name ANY>").ToUTF8();
+    return IO::Location(folder.Write("document.xml", "<!DOCTYPE Wall SYSTEM '" + dtd +
+                                                         "' [<!ENTITY e SYSTEM '" + entity +
+                                                         "'>]><Wall><Name>&e;</Name></Wall>"));
+}
+
+TEST(AllocationFailure, OfLoadingNeverThrowsWithoutAMessageAndNeverGivesAPartOfADocument)
+{
+    const ScratchFolder folder;
+    const IO::Location file = WriteDocumentWithEntities(folder);
+    const std::string whole =
+        TextOf(Document(ParseXMLDoc(file, Parser::Val_Auto, false, nullptr, nullptr, nullptr)));
+    FailEachIn(
+        [&]
+        {
+            ValidatingXMLParser parser;
+            const Document document(parser.Parse(file, Parser::Val_Auto, false, nullptr, nullptr, nullptr));
+            const Pause pause;
+            EXPECT_TRUE(document ? TextOf(document) == whole : parser.RanOutOfMemory());
+        });
+}
+
+TEST(AllocationFailure, OfAnEntityOfAnInputChannelIsReportedAsNotEnoughMemory)
+{
+    const ScratchFolder folder;
+    const IO::Location file = WriteDocumentWithEntities(folder);
+    FailEachIn([&] { ExpectInputMessage([&] { return NuvXML::CreateXMLIChannel(file, true); }); });
+}
+
+TEST(AllocationFailure, OfLoadingFromMemoryNeverThrowsWithoutAMessage)
+{
+    FailEachIn(
+        []
+        {
+            ValidatingXMLParser parser;
+            const Document document(parser.Parse(Data(DocumentText), Size(DocumentText), Parser::Val_Auto,
+                                                 true, UniString(), nullptr, nullptr, nullptr));
+            EXPECT_TRUE(document || parser.RanOutOfMemory());
+        });
+}
+
+TEST(AllocationFailure, OfLoadingAMalformedTextNeverThrowsWithoutAMessage)
+{
+    FailEachIn(
+        []
+        {
+            const std::string_view malformed = "<Wall>\n<Name></Wall>";
+            EXPECT_FALSE(ValidatingXMLParser().Parse(Data(malformed), Size(malformed), Parser::Val_Auto, true,
+                                                     UniString(), nullptr, nullptr, nullptr));
+        });
+}
+
+TEST(AllocationFailure, OfLoadingASchemaNeverThrowsWithoutAMessage)
+{
+    const ScratchFolder folder;
+    const IO::Location schema(folder.Write("wall.xsd", Schema));
+    FailEachIn(
+        [&]
+        {
+            ValidatingXMLParser parser;
+            const bool isLoaded = parser.LoadSchema(schema, nullptr, nullptr);
+            EXPECT_TRUE(isLoaded || parser.RanOutOfMemory());
+        });
+}
+
+TEST(AllocationFailure, OfASchemaIsReportedByEveryParseUntilItIsLoadedAgain)
+{
+    const ScratchFolder folder;
+    const IO::Location schema(folder.Write("wall.xsd", Schema));
+    const std::string_view invalid = "<Other/>";
+    ValidatingXMLParser parser;
+    ASSERT_TRUE(parser.LoadSchema(schema, nullptr, nullptr));
+    FailEachIn([&] { parser.LoadSchema(schema, nullptr, nullptr); });
+    for (long nth = 1; nth < 100; ++nth)
+    {
+        FailAt(nth, Mode::Once);
+        parser.LoadSchema(schema, nullptr, nullptr);
+        Disarm();
+        EXPECT_FALSE(parser.Parse(Data(invalid), Size(invalid), Parser::Val_Never, true, UniString(), nullptr,
+                                  nullptr, nullptr))
+            << "is not taken for valid with allocation " << nth << " failing";
+    }
+}
+
+TEST(AllocationFailure, OfASourceLeavesNothingBehind)
+{
+    const IO::Location location(u"/folder/a file with a long name.xml");
+    EXPECT_GT(Sweep(
+                  [&]
+                  {
+                      try
+                      {
+                          LocationInputSource source(location);
+                      }
+                      catch (const Nuv::OutOfMemoryException&)
+                      {
+                      }
+                      catch (const xercesc_3_0::OutOfMemoryException&)
+                      {
+                      }
+                  }),
+              0u);
+    EXPECT_GT(Sweep([&] { ExpectOutOfMemoryOnly([&] { LocationBinInputStream stream(location); }); }), 0u);
 }
 
 TEST(AllocationFailure, OfAStreamGivesNoStream)
