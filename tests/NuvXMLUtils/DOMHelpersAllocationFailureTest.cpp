@@ -325,4 +325,106 @@ TEST(AllocationFailureInTagGetters, LeavesNothingBehindWithWarnings)
               Returns | ConversionMemoryError | OutOfMemory);
 }
 
+// Every operation that the tests above do not name.
+
+/// Expects that lack of memory is told in one of the documented ways, and told at all.
+void ExpectMemoryErrorsOnly(unsigned int endings)
+{
+    constexpr unsigned int MemoryErrors =
+        DOMMemoryError | ConversionMemoryError | OutOfMemory | XercesOutOfMemory;
+    EXPECT_EQ(endings & ~MemoryErrors, Returns);
+    EXPECT_NE(endings & MemoryErrors, 0u);
+}
+
+TEST(AllocationFailureInTheOtherWriters, IsAMemoryErrorOrPasses)
+{
+    using Write = void (*)(DOMElement*);
+    static const std::string name(5000, 'n');
+    static const Nuv::UniString nameU(name);
+    for (const Write write :
+         {
+             Write([](DOMElement* root) { WriteTextElement(root, nameU, nameU, 5000); }),
+             Write([](DOMElement* root) { WriteShortElement(root, name, -1, 5000); }),
+             Write([](DOMElement* root) { WriteShortElement(root, nameU, -1, 5000); }),
+             Write([](DOMElement* root) { WriteUShortElement(root, name, 1, 5000); }),
+             Write([](DOMElement* root) { WriteUShortElement(root, nameU, 1, 5000); }),
+             Write([](DOMElement* root) { WriteLongElement(root, nameU, -1, 5000); }),
+             Write([](DOMElement* root) { WriteULongElement(root, name, 1, 5000); }),
+             Write([](DOMElement* root) { WriteULongElement(root, nameU, 1, 5000); }),
+             Write([](DOMElement* root) { WriteBooleanElement(root, name, true, 5000); }),
+             Write([](DOMElement* root) { NewTag(root, name.c_str(), "value", 5000, true, nullptr); }),
+             Write([](DOMElement* root) { NewStringTag(root, name.c_str(), nullptr, 5000); }),
+             Write([](DOMElement* root) { NewSLongTag(root, name.c_str(), -1, 5000); }),
+             Write([](DOMElement* root) { NewULongTag(root, name.c_str(), 1, 5000); }),
+             Write([](DOMElement* root) { NewLegacyBoolTag(root, name.c_str(), 1, 5000); }),
+             Write([](DOMElement* root) { SetULongAttr(root, name.c_str(), 1); }),
+             Write([](DOMElement* root) { SetBooleanAttr(root, name.c_str(), true); }),
+             Write([](DOMElement* root) { SetLegacyBooleanAttr(root, name.c_str(), true); }),
+         })
+        ExpectMemoryErrorsOnly(EndingsWithRoot(write));
+}
+
+TEST(AllocationFailureInTheOtherReaders, IsAMemoryErrorOrPasses)
+{
+    const Tree number("<a_long_element_name number='1234567890'>1234567890</a_long_element_name>");
+    const Tree word("<a_long_element_name word='false'>FALSE</a_long_element_name>");
+    const Nuv::String name = "a_long_element_name";
+    const Nuv::UniString nameU(name);
+    int value = 0;
+    unsigned int unsignedValue = 0;
+    unsigned short shortValue = 0;
+    short signedShortValue = 0;
+    bool flag = true;
+    ExpectMemoryErrorsOnly(EndingsOf([&] { ReadLongNode(number.root, name, value); }));
+    ExpectMemoryErrorsOnly(EndingsOf([&] { ReadULongNode(number.root, name, unsignedValue); }));
+    ExpectMemoryErrorsOnly(EndingsOf([&] { ReadULongNode(number.root, nameU, unsignedValue); }));
+    ExpectMemoryErrorsOnly(EndingsOf([&] { ReadUShortNode(number.root, nameU, shortValue); }));
+    ExpectMemoryErrorsOnly(EndingsOf([&] { ReadShortNode(number.root, name, signedShortValue); }));
+    ExpectMemoryErrorsOnly(EndingsOf([&] { ReadShortNode(number.root, nameU, signedShortValue); }));
+    ExpectMemoryErrorsOnly(EndingsOf([&] { ReadBooleanNode(word.root, name, flag); }));
+    ExpectMemoryErrorsOnly(EndingsOf([&] { GetULongTag(number.root); }));
+    ExpectMemoryErrorsOnly(EndingsOf([&] { GetULongAttr(number.root, "number"); }));
+    ExpectMemoryErrorsOnly(EndingsOf([&] { GetBooleanAttr(word.root, "word"); }));
+    ExpectMemoryErrorsOnly(EndingsOf([&] { Free(UnicodeToString(LongTextU, true)); }));
+}
+
+TEST(AllocationFailureInConvException, PassesFromItsText)
+{
+    const Tree tree("<element/>");
+    const NodeLocationInfo place{3};
+    const ConvException exception(LongTextU, &place);
+    EXPECT_EQ(EndingsOf([&] { ConvException made(LongText, &place); }), Returns | OutOfMemory);
+    EXPECT_EQ(EndingsOf([&] { ConvException made(LongTextU, tree.root); }), Returns | OutOfMemory);
+    EXPECT_EQ(EndingsOf([&] { ConvException copy(exception); }), Returns | OutOfMemory);
+    Sweep(
+        [&]
+        {
+            ConvException assigned;
+            EndingOf([&] { assigned = exception; });
+            const Pause pause;
+            EXPECT_TRUE(assigned.message == LongTextU || (assigned.message.IsEmpty() && assigned.line == 0));
+            assigned = ConvException();
+        });
+}
+
+TEST(AllocationFailureInSteps, DoesNotHappen)
+{
+    const Tree tree("<r> <a/> <b/> </r>");
+    EXPECT_EQ(Sweep(
+                  [&]
+                  {
+                      DOMElement* element = GetFirstElementChild(tree.root);
+                      GetNextElementSibling(element);
+                      GetPreviousElementSibling(GetLastElementChild(tree.root));
+                      GetChildElementCount(tree.root);
+                      xercesc_3_0::DOMNode* node = nullptr;
+                      GetFirstChild(tree.root, node);
+                      GetFirstChild(tree.root, element);
+                      GetNextSibling(element, element);
+                      SkipTextNodes(node);
+                      GetNextTag(node);
+                  }),
+              0u);
+}
+
 } // namespace

@@ -210,6 +210,33 @@ TEST(AllocationFailure, OfWritingTheFileIsSilentAndLeavesTheWholeOldFileOrTheWho
                 });
 }
 
+TEST(AllocationFailure, OfABuilderOverADocumentLeavesTheDocumentToTheCaller)
+{
+    using NuvXML::DOMBuilder;
+    const size_t failures = Sweep(
+        []
+        {
+            Document document;
+            {
+                const Pause pause;
+                document = BareDocument();
+                document->setDocumentURI(u"/no such folder/file.xml");
+            }
+            ExpectOutOfMemoryOnly(
+                [&]
+                {
+                    auto builder = std::make_unique<DOMBuilder>(document.get(), nullptr,
+                                                                DOMBuilder::TakeDocumentOver, 0);
+                    const Pause pause;
+                    document.release();
+                    builder.reset();
+                });
+            const Pause pause;
+            document.reset();
+        });
+    EXPECT_GT(failures, 1u);
+}
+
 TEST(AllocationFailure, OfAnOutputGuardDeletesTheChannelAllTheSame)
 {
     Sweep(

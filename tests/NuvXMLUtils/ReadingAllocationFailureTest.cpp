@@ -1,5 +1,6 @@
 // Makes each allocation of each operation of the input channels fail in turn.
 
+#include "NuvXMLUtils/NuvXMLDOMReader.hpp"
 #include "NuvXMLUtils/NuvXMLInterface.hpp"
 #include "tests/NuvXMLUtils/AllocationFailureSupport.hpp"
 
@@ -7,6 +8,7 @@ namespace
 {
 
 using namespace AllocationFailureTests;
+using Channel = std::unique_ptr<Nuv::XMLIChannel>;
 
 class AllocationFailureOfReader : public testing::TestWithParam<Operation<Nuv::XMLIChannel>>
 {
@@ -25,6 +27,8 @@ TEST_P(AllocationFailureOfReader, ThrowsTheApplicationsExceptionAndLeavesNothing
             }
             ExpectOutOfMemoryOnly([&] { GetParam().call(*reader); });
             const Pause pause;
+            EXPECT_EQ(reader->GetErrorStatus(), Nuv::XMLIChannel::NoError);
+            EXPECT_NE(reader->GetTokenType(), Nuv::XMLNoToken);
             NuvXML::DisposeXMLIChannel(reader);
         });
 }
@@ -76,9 +80,21 @@ const Operation<Nuv::XMLIChannel> ReaderOperations[] = {
          char buffer[64];
          reader.ReadXML("Name", buffer, sizeof buffer);
      }},
+    {"ReadXMLOfDouble", [](auto& reader) { ReadElement<double>(reader, "Height"); }},
+    {"ReadXMLOfCharacter", [](auto& reader) { ReadElement<char>(reader, "Height"); }},
+    {"ReadXMLOfWrongBool", [](auto& reader) { ReadElement<bool>(reader, "Name"); }},
     {"ReadXMLAttrOfGuid", [](auto& reader) { ReadAttribute<Nuv::Guid>(reader, "Guid"); }},
     {"ReadXMLAttrOfNumber", [](auto& reader) { ReadAttribute<int>(reader, "Count"); }},
     {"ReadXMLAttrThatIsMissing", [](auto& reader) { ReadAttribute<int>(reader, "NotThereAtAll"); }},
+    {"ReadXMLAttrOfString", [](auto& reader) { ReadAttribute<UniString>(reader, "Guid"); }},
+    {"ReadXMLAttrOfWrongNumber", [](auto& reader) { ReadAttribute<int>(reader, "Guid"); }},
+    {"ReadXMLAttrOfWrongBool", [](auto& reader) { ReadAttribute<bool>(reader, "Guid"); }},
+    {"ReadXMLAttrIntoBuffer",
+     [](auto& reader)
+     {
+         char buffer[64];
+         reader.ReadXMLAttr("Guid", buffer, sizeof buffer);
+     }},
     {"ReadXMLVersionAttr",
      [](auto& reader)
      {
@@ -98,6 +114,27 @@ const Operation<Nuv::XMLIChannel> ReaderOperations[] = {
          if (reader.ReadXMLCDATAHexToBin(&bytes) == Nuv::Success)
              delete[] bytes;
      }},
+    {"ReadXMLCDATAStringIntoBuffer",
+     [](auto& reader)
+     {
+         char buffer[64];
+         reader.ReadXMLCDATAString(buffer, sizeof buffer);
+     }},
+    {"ReadXMLCDATAHexToBinIntoBuffer",
+     [](auto& reader)
+     {
+         char buffer[64];
+         reader.ReadXMLCDATAHexToBin(buffer, sizeof buffer);
+     }},
+    {"GetTokenTypeName",
+     [](auto& reader)
+     {
+         UniString name;
+         reader.GetTokenTypeName(name);
+     }},
+    {"ReadEndElementWithLongName", [](auto& reader) { reader.ReadEndElement(LongText(1'000).c_str()); }},
+    {"AddMessage",
+     [](auto& reader) { reader.AddMessage(UniString(u"a message that is longer than a short string")); }},
     {"GetMessage",
      [](auto& reader)
      {
@@ -122,6 +159,32 @@ TEST(AllocationFailure, OfAReadLeavesTheReaderWhereItWas)
     EXPECT_EQ(reader->GetTokenTypeName(name), Nuv::XMLStartElement);
     EXPECT_EQ(name, UniString(u"Wall"));
     NuvXML::DisposeXMLIChannel(reader);
+}
+
+TEST(AllocationFailure, OfACopyOfAReaderLeavesNothingBehind)
+{
+    const Document document = BareDocument();
+    document->appendChild(document->createElement(u"Wall"));
+    NuvXML::DOMReader reader(document->getDocumentElement());
+    reader.AddMessage(UniString(u"a message that is longer than a short string"));
+    EXPECT_GT(Sweep([&] { ExpectOutOfMemoryOnly([&] { NuvXML::DOMReader copy(reader); }); }), 0u);
+    EXPECT_GT(Sweep(
+                  [&]
+                  {
+                      NuvXML::DOMReader copy(document->getDocumentElement());
+                      ExpectOutOfMemoryOnly([&] { copy = reader; });
+                      EXPECT_EQ(copy.GetActualNode(), document->getDocumentElement());
+                  }),
+              0u);
+}
+
+TEST(AllocationFailure, OfAValueLeavesTheValueAsItWas)
+{
+    const Channel reader(NuvXML::CreateXMLIChannelFromMemory(Data(DocumentText), Size(DocumentText), true));
+    const UniString old(u"old, and longer than a short string");
+    SweepKeeping(old, [&](UniString& value) { reader->ReadXMLAttr("Guid", value); });
+    SweepKeeping(old, [&](UniString& value) { reader->ReadXMLCDATAString(value); });
+    SweepKeeping(old, [&](UniString& value) { reader->ReadXML("Name", value); });
 }
 
 TEST(AllocationFailure, OfAnInputGuardDeletesTheChannelAllTheSame)
