@@ -57,9 +57,9 @@ class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
     DOMBuilder();
 
     /// Builds a new document and writes it to `location` when the builder is destroyed, replacing the file
-    /// that is there. A failure to write is silent; a document that cannot be exported, and a file that cannot
-    /// be deleted, leave the old file alone. The old file is deleted before the new one is opened: on a device
-    /// that fills up, the beginning of the new one is left. A link is replaced, not followed.
+    /// that is there. A failure to write is silent; a document that cannot be exported, and a file that
+    /// cannot be deleted, leave the old file alone. The old file is deleted before the new one is opened: on
+    /// a device that fills up, the beginning of the new one is left. A link is replaced, not followed.
     /// @throws DOMBuilderException "Creating document failed."
     explicit DOMBuilder(const IO::Location& location);
 
