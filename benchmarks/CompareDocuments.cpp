@@ -1,13 +1,14 @@
 /// @file
-/// Comparing two equal documents, against a bare walk through the same pairs that compares nothing.
+/// Comparing two equal documents, against a bare walk through the same pairs that compares nothing, and
+/// against trees of pugixml that are compared as they stand, which shows how far down the time could go.
 #include "NuvRoot/Containers.hpp"
 #include "NuvRoot/ValueText.hpp"
 #include "NuvXMLUtils/XMLCompare.hpp"
+#include "benchmarks/Inputs.hpp"
+#include "benchmarks/Peers.hpp"
 #include "benchmarks/Ratios.hpp"
 
 #include <xercesc/dom/DOMNamedNodeMap.hpp>
-#include <xercesc/framework/MemBufInputSource.hpp>
-#include <xercesc/parsers/XercesDOMParser.hpp>
 
 #include <cstddef>
 #include <functional>
@@ -24,7 +25,7 @@ using xercesc_3_0::DOMElement;
 using xercesc_3_0::DOMNodeFilter;
 using xercesc_3_0::DOMText;
 using xercesc_3_0::DOMTreeWalker;
-using Document = NuvXML::XercesPtr<DOMDocument>;
+using namespace Benchmarks;
 
 enum class Markers
 {
@@ -59,16 +60,7 @@ std::string TextWithAttributes(size_t count)
     return text + "/>";
 }
 
-Document Parse(const std::string& text)
-{
-    const xercesc_3_0::MemBufInputSource source(reinterpret_cast<const XMLByte*>(text.data()), text.size(),
-                                                "benchmark");
-    xercesc_3_0::XercesDOMParser parser;
-    parser.parse(source);
-    return Document(parser.adoptDocument());
-}
-
-/// The same text parsed twice, when it is first asked for.
+/// The same text twice as trees of Xerces and of pugixml, parsed when they are first asked for.
 class TwoDocuments
 {
   public:
@@ -79,18 +71,29 @@ class TwoDocuments
 
     DOMDocument& Left() { return Get(left); }
     DOMDocument& Right() { return Get(right); }
+    const pugi::xml_document& LeftOfPugixml() { return Get(leftOfPugixml); }
+    const pugi::xml_document& RightOfPugixml() { return Get(rightOfPugixml); }
 
   private:
-    DOMDocument& Get(Document& document)
+    DOMDocument& Get(XercesDocument& document)
     {
         if (!document)
-            document = Parse(text());
+            document = ParseWithXerces(text());
         return *document;
     }
 
+    const pugi::xml_document& Get(pugi::xml_document& document)
+    {
+        if (document.empty() || !document.first_child())
+            document = ParseWithPugixml(text(), KeepAll);
+        return document;
+    }
+
     std::function<std::string()> text;
-    Document left;
-    Document right;
+    XercesDocument left;
+    XercesDocument right;
+    pugi::xml_document leftOfPugixml;
+    pugi::xml_document rightOfPugixml;
 };
 
 void WalkPair(DOMTreeWalker& left, DOMTreeWalker& right)
@@ -109,30 +112,62 @@ void WalkPair(DOMTreeWalker& left, DOMTreeWalker& right)
     right.setCurrentNode(rightNode);
 }
 
-void Walk(benchmark::State& state, TwoDocuments& documents, DOMNodeFilter* filter)
+void Walk(TwoDocuments& documents, DOMNodeFilter* filter)
 {
-    DOMDocument& left = documents.Left();
-    DOMDocument& right = documents.Right();
-    for (auto _ : state)
-    {
-        auto* const leftWalker =
-            left.createTreeWalker(left.getDocumentElement(), DOMNodeFilter::SHOW_ALL, filter, false);
-        auto* const rightWalker =
-            right.createTreeWalker(right.getDocumentElement(), DOMNodeFilter::SHOW_ALL, filter, false);
-        WalkPair(*leftWalker, *rightWalker);
-    }
+    const auto walkerOf = [filter](DOMDocument& document) {
+        return document.createTreeWalker(document.getDocumentElement(), DOMNodeFilter::SHOW_ALL, filter,
+                                         false);
+    };
+    WalkPair(*walkerOf(documents.Left()), *walkerOf(documents.Right()));
 }
 
-void Compare(benchmark::State& state, TwoDocuments& documents, DOMNodeFilter* filter,
-             const NuvXML::IXMLCompareOptions& options)
+void Compare(TwoDocuments& documents, DOMNodeFilter* filter, const NuvXML::IXMLCompareOptions& options)
 {
-    const DOMDocument& left = documents.Left();
-    const DOMDocument& right = documents.Right();
-    for (auto _ : state)
+    NuvXML::XMLCompareStrictOrder comparator;
+    NuvXML::DoXMLCompare(&documents.Left(), &documents.Right(), &comparator, filter, options);
+}
+
+bool AreEqual(std::string_view left, std::string_view right) { return left == right; }
+
+pugi::xml_node SkipWhitespace(pugi::xml_node node)
+{
+    while (node.type() == pugi::node_pcdata &&
+           std::string_view(node.value()).find_first_not_of(" \t\r\n") == std::string_view::npos)
+        node = node.next_sibling();
+    return node;
+}
+
+bool AreAttributesEqual(pugi::xml_node left, pugi::xml_node right)
+{
+    auto leftAttribute = left.first_attribute();
+    auto rightAttribute = right.first_attribute();
+    for (; leftAttribute && rightAttribute;
+         leftAttribute = leftAttribute.next_attribute(), rightAttribute = rightAttribute.next_attribute())
+        if (!AreEqual(leftAttribute.name(), rightAttribute.name()) ||
+            !AreEqual(leftAttribute.value(), rightAttribute.value()))
+            return false;
+    return !leftAttribute && !rightAttribute;
+}
+
+/// Names, attributes in their order and texts, without a policy of any kind.
+bool AreEqual(pugi::xml_node left, pugi::xml_node right)
+{
+    if (!AreEqual(left.name(), right.name()) || !AreEqual(left.value(), right.value()) ||
+        !AreAttributesEqual(left, right))
+        return false;
+    auto leftChild = SkipWhitespace(left.first_child());
+    auto rightChild = SkipWhitespace(right.first_child());
+    while (leftChild && rightChild && AreEqual(leftChild, rightChild))
     {
-        NuvXML::XMLCompareStrictOrder comparator;
-        NuvXML::DoXMLCompare(&left, &right, &comparator, filter, options);
+        leftChild = SkipWhitespace(leftChild.next_sibling());
+        rightChild = SkipWhitespace(rightChild.next_sibling());
     }
+    return !leftChild && !rightChild;
+}
+
+void CompareWithPugixml(TwoDocuments& documents)
+{
+    Expect(AreEqual(documents.LeftOfPugixml(), documents.RightOfPugixml()), "pugixml's trees differ");
 }
 
 // The plain ways of two steps that the library takes in a faster way.
@@ -175,22 +210,27 @@ bool AreValuesEqual(const Nuv::UniString& left, const Nuv::UniString& right,
     return comparator->CompareValues(left, right, options);
 }
 
+/// A step is too short to be measured alone.
 template <class Step>
-void CompareAttributes(benchmark::State& state, Step step)
+std::function<void()> AThousandTimes(Step step)
 {
-    const Document document = Parse("<e id='17' layer='structure' material='C30' height='0.25'/>");
-    const DOMElement& element = *document->getDocumentElement();
-    for (auto _ : state)
-        step(element);
+    return [step]
+    {
+        for (int i = 0; i < 1'000; ++i)
+            step();
+    };
 }
 
-template <class Step>
-void CompareValues(benchmark::State& state, Step step)
+template <class Compare>
+auto ForEachValue(Compare compare)
 {
-    const Nuv::UniString values[] = {u"6.25", u"Concrete", u"0.3", u"Checked by the engineer", u"structure"};
-    for (auto _ : state)
+    return [compare]
+    {
+        static const Nuv::UniString values[] = {u"6.25", u"Concrete", u"0.3", u"Checked by the engineer",
+                                                u"structure"};
         for (const Nuv::UniString& value : values)
-            benchmark::DoNotOptimize(step(value));
+            benchmark::DoNotOptimize(compare(value));
+    };
 }
 
 constexpr size_t Megabyte = 1'000'000;
@@ -199,85 +239,84 @@ constexpr size_t Megabyte = 1'000'000;
 
 int main(int argc, char** argv)
 {
-    TwoDocuments plain([] { return ProjectText(15 * Megabyte, Markers::None); });
+    TwoDocuments beams([] { return ProjectText(15 * Megabyte, Markers::None); });
     TwoDocuments marked([] { return ProjectText(15 * Megabyte, Markers::Some); });
     TwoDocuments small([] { return ProjectText(1 * Megabyte, Markers::None); });
     TwoDocuments large([] { return ProjectText(64 * Megabyte, Markers::None); });
+    TwoDocuments languages([] { return Languages().text; });
+    TwoDocuments mimeTypes([] { return MimeTypes().text; });
     TwoDocuments fewAttributes([] { return TextWithAttributes(1'000); });
     TwoDocuments manyAttributes([] { return TextWithAttributes(10'000); });
+    const XercesDocument fourAttributes =
+        ParseWithXerces("<e id='17' layer='structure' material='C30' height='0.25'/>");
+    const DOMElement& element = *fourAttributes->getDocumentElement();
     const NuvXML::StrictOrderAutoValueCompareOptions standard;
     const NuvXML::AttrRuledCompareOptions markers;
     NuvXML::SkipWhitespaceTextsCompareFilter filter;
 
-    const auto walk = [](const char* name, TwoDocuments& documents, DOMNodeFilter* nodeFilter)
+    std::vector<Candidate> candidates;
+    const auto compare = [&candidates](const char* input, const char* name, TwoDocuments& documents,
+                                       DOMNodeFilter* nodeFilter, const NuvXML::IXMLCompareOptions& options)
     {
-        benchmark::RegisterBenchmark(name, [&documents, nodeFilter](benchmark::State& state)
-                                     { Walk(state, documents, nodeFilter); })
-            ->Unit(benchmark::kMillisecond);
+        candidates.push_back({input, name, Whose::Ours, [&documents, nodeFilter, &options] {
+                                  Compare(documents, nodeFilter, options);
+                              }});
     };
-    const auto compare = [](const char* name, TwoDocuments& documents, DOMNodeFilter* nodeFilter,
-                            const NuvXML::IXMLCompareOptions& options)
+    const auto walk = [&candidates](const char* input, TwoDocuments& documents, DOMNodeFilter* nodeFilter)
     {
-        benchmark::RegisterBenchmark(name, [&documents, nodeFilter, &options](benchmark::State& state)
-                                     { Compare(state, documents, nodeFilter, options); })
-            ->Unit(benchmark::kMillisecond);
+        candidates.push_back(
+            {input, "bare walk", Whose::Peers, [&documents, nodeFilter] { Walk(documents, nodeFilter); }});
     };
-    walk("walk", plain, &filter);
-    compare("compare", plain, &filter, standard);
-    compare("compareWithMarkerOptions", plain, &filter, markers);
-    walk("walkMarked", marked, &filter);
-    compare("compareMarked", marked, &filter, markers);
-    walk("walkUnfiltered", plain, nullptr);
-    compare("compareUnfiltered", plain, nullptr, standard);
-    compare("compareUnfilteredWithMarkerOptions", plain, nullptr, markers);
-    compare("compareSmall", small, &filter, standard);
-    compare("compareLarge", large, &filter, standard);
-    compare("compareFewAttributes", fewAttributes, &filter, standard);
-    compare("compareManyAttributes", manyAttributes, &filter, standard);
+    const auto addPugixml = [&candidates](const char* input, TwoDocuments& documents) {
+        candidates.push_back(
+            {input, "pugixml", Whose::Peers, [&documents] { CompareWithPugixml(documents); }});
+    };
+    const auto step = [&candidates](const char* input, const char* name, Whose whose, auto run) {
+        candidates.push_back({input, name, whose, AThousandTimes(run)});
+    };
 
-    benchmark::RegisterBenchmark("attributes",
-                                 [&standard](benchmark::State& state)
-                                 {
-                                     CompareAttributes(state,
-                                                       [&standard](const DOMElement& element) {
-                                                           NuvXML::XMLNodeComparator::CompareAttributes(
-                                                               &element, &element, standard);
-                                                       });
-                                 });
-    benchmark::RegisterBenchmark(
-        "attributesPlain",
-        [&standard](benchmark::State& state)
-        {
-            CompareAttributes(state, [&standard](const DOMElement& element)
-                              { benchmark::DoNotOptimize(AreAttributesEqual(element, element, standard)); });
-        });
-    benchmark::RegisterBenchmark(
-        "values",
-        [&standard](benchmark::State& state)
-        {
-            CompareValues(state, [&standard](const Nuv::UniString& value)
-                          { return NuvXML::XMLCompareAuto().CompareValues(value, value, standard); });
-        });
-    benchmark::RegisterBenchmark("valuesPlain",
-                                 [&standard](benchmark::State& state)
-                                 {
-                                     CompareValues(state, [&standard](const Nuv::UniString& value)
-                                                   { return AreValuesEqual(value, value, standard); });
-                                 });
+    compare("15 MB of beams", "standard options", beams, &filter, standard);
+    compare("15 MB of beams", "marker options", beams, &filter, markers);
+    walk("15 MB of beams", beams, &filter);
+    addPugixml("15 MB of beams", beams);
+    compare("15 MB of beams, every 4th marked", "marker options", marked, &filter, markers);
+    walk("15 MB of beams, every 4th marked", marked, &filter);
+    compare("15 MB of beams, no filter", "standard options", beams, nullptr, standard);
+    compare("15 MB of beams, no filter", "marker options", beams, nullptr, markers);
+    walk("15 MB of beams, no filter", beams, nullptr);
+    compare("iso_639-3.xml", "standard options", languages, &filter, standard);
+    walk("iso_639-3.xml", languages, &filter);
+    addPugixml("iso_639-3.xml", languages);
+    compare("freedesktop.org.xml", "standard options", mimeTypes, &filter, standard);
+    walk("freedesktop.org.xml", mimeTypes, &filter);
+    addPugixml("freedesktop.org.xml", mimeTypes);
+    compare("1 MB of beams", "standard options", small, &filter, standard);
+    compare("64 MB of beams", "standard options", large, &filter, standard);
+    compare("1,000 attributes of an element", "standard options", fewAttributes, &filter, standard);
+    compare("10,000 attributes of an element", "standard options", manyAttributes, &filter, standard);
+    step("1,000 times 4 attributes", "CompareAttributes", Whose::Ours,
+         [&] { NuvXML::XMLNodeComparator::CompareAttributes(&element, &element, standard); });
+    step("1,000 times 4 attributes", "plain way", Whose::Peers,
+         [&] { benchmark::DoNotOptimize(AreAttributesEqual(element, element, standard)); });
+    step("1,000 times 5 values", "XMLCompareAuto", Whose::Ours,
+         ForEachValue([&](const Nuv::UniString& value)
+                      { return NuvXML::XMLCompareAuto().CompareValues(value, value, standard); }));
+    step("1,000 times 5 values", "plain way", Whose::Peers,
+         ForEachValue([&](const Nuv::UniString& value) { return AreValuesEqual(value, value, standard); }));
 
-    return Benchmarks::RunAndCompare(
-        argc, argv,
-        {
-            {"standard options / bare walk", "compare", "walk", 1.10},
-            {"marker options / bare walk", "compareWithMarkerOptions", "walk", 1.10},
-            {"marker options, every 4th beam marked / bare walk", "compareMarked", "walkMarked", 1.20},
-            {"standard options, no filter / bare walk", "compareUnfiltered", "walkUnfiltered", 1.10},
-            {"marker options, no filter / bare walk", "compareUnfilteredWithMarkerOptions", "walkUnfiltered",
-             1.10},
-            {"4 attributes / with a hash set of strings", "attributes", "attributesPlain", 0.8},
-            {"values compared automatically / parsed to choose a comparator", "values", "valuesPlain", 0.8},
-            {"64 MB / 1 MB", "compareLarge", "compareSmall", 64 * 1.5},
-            {"10,000 attributes / 1,000 attributes", "compareManyAttributes", "compareFewAttributes",
-             10 * 1.5},
-        });
+    return RunAndCompare(argc, argv, candidates,
+                         {
+                             LimitOf("15 MB of beams", "standard options", "bare walk", 1.10),
+                             LimitOf("15 MB of beams", "marker options", "bare walk", 1.10),
+                             LimitOf("15 MB of beams, every 4th marked", "marker options", "bare walk", 1.20),
+                             LimitOf("15 MB of beams, no filter", "standard options", "bare walk", 1.10),
+                             LimitOf("15 MB of beams, no filter", "marker options", "bare walk", 1.10),
+                             LimitOf("1,000 times 4 attributes", "CompareAttributes", "plain way", 0.8),
+                             LimitOf("1,000 times 5 values", "XMLCompareAuto", "plain way", 0.8),
+                             {"64 MB / 1 MB of beams", "64 MB of beams/standard options",
+                              "1 MB of beams/standard options", 64 * 1.5},
+                             {"10,000 attributes / 1,000 attributes of an element",
+                              "10,000 attributes of an element/standard options",
+                              "1,000 attributes of an element/standard options", 10 * 1.5},
+                         });
 }

@@ -1,129 +1,142 @@
 /// @file
-/// The DOM printer beside Xerces' serializer and libxml2: the same document of 15 MB, to memory.
+/// The DOM printer beside the serializers of Xerces, libxml2 and pugixml: from a tree to memory.
 #include "NuvXMLUtils/FormatXMLDoc.hpp"
+#include "benchmarks/Inputs.hpp"
+#include "benchmarks/Peers.hpp"
 #include "benchmarks/Ratios.hpp"
-#include "benchmarks/Records.hpp"
 
-#include <libxml/parser.h>
-#include <libxml/tree.h>
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/MemBufFormatTarget.hpp>
-#include <xercesc/framework/MemBufInputSource.hpp>
-#include <xercesc/parsers/XercesDOMParser.hpp>
 
-#include <cstdlib>
 #include <memory>
+#include <optional>
 
 namespace
 {
 
 using namespace xercesc_3_0;
-using Benchmarks::Comparison;
+using namespace Benchmarks;
 
-constexpr size_t DocumentSize = 15'000'000;
-
-const std::string& Source()
+/// One text as the trees of all libraries.
+struct Trees
 {
-    static const std::string source = Benchmarks::MakeRecords(DocumentSize);
-    return source;
-}
-
-const DOMDocument& Document()
-{
-    static const NuvXML::XercesPtr<DOMDocument> document = []
+    explicit Trees(const Input& input)
+        : name(input.name)
+        , size(input.text.size())
+        , ofXerces(ParseWithXerces(input.text))
+        , ofLibxml2(ParseWithLibxml2(input.text))
+        , ofPugixml(ParseWithPugixml(input.text, KeepAll))
     {
-        XercesDOMParser parser;
-        const MemBufInputSource input(reinterpret_cast<const XMLByte*>(Source().data()), Source().size(),
-                                      "source");
-        parser.parse(input);
-        return NuvXML::XercesPtr<DOMDocument>(parser.adoptDocument());
-    }();
-    return *document;
-}
-
-/// A result that no document has would make the figures worthless.
-void ExpectAbout(benchmark::State& state, size_t size, size_t expected)
-{
-    if (size < expected / 10 * 9 || size > expected / 10 * 12)
-        state.SkipWithError("the output has not the expected size");
-}
-
-void FormatDocument(benchmark::State& state, const char16_t* encoding, size_t bytesPerCharacter)
-{
-    const DOMDocument& document = Document();
-    for (auto _ : state)
-    {
-        Nuv::MemoryOChannel channel;
-        if (!FormatXMLDoc(&document, &channel, encoding, true))
-            state.SkipWithError("FormatXMLDoc failed");
-        ExpectAbout(state, channel.GetBytes().size(), DocumentSize * bytesPerCharacter);
     }
+
+    std::string name;
+    size_t size;
+    XercesDocument ofXerces;
+    Libxml2Document ofLibxml2;
+    pugi::xml_document ofPugixml;
+};
+
+struct Encoding
+{
+    std::string name;
+    const char16_t* xercesName;
+
+    /// Null where pugixml does not know the encoding.
+    std::optional<pugi::xml_encoding> pugixmlName;
+
+    /// How much longer FormatXMLDoc may take than Xerces' serializer.
+    double atMost;
+};
+
+const Encoding UTF8 = {"UTF-8", u"UTF-8", pugi::encoding_utf8, 0.30};
+const Encoding OtherEncodings[] = {
+    {"UTF-16LE", u"UTF-16LE", pugi::encoding_utf16_le, 0.40},
+    {"ISO-8859-1", u"ISO-8859-1", pugi::encoding_latin1, 0.40},
+    {"KOI8-R", u"KOI8-R", std::nullopt, 0.60},
+};
+
+/// Small documents take relatively longer, and those of attributes alone are all markup.
+const Encoding UTF8OfReal = {"UTF-8", u"UTF-8", pugi::encoding_utf8, 0.60};
+
+/// Between attributes the text may have more white space than what is printed.
+void ExpectAll(size_t printed, const Trees& trees)
+{
+    Expect(printed > trees.size / 2, "the output is too short");
 }
 
-void SerializeDocument(benchmark::State& state, const char16_t* encoding, size_t bytesPerCharacter)
+void FormatWithOurs(const Trees& trees, const Encoding& encoding)
 {
-    const DOMDocument& document = Document();
+    Nuv::MemoryOChannel channel;
+    Expect(FormatXMLDoc(trees.ofXerces.get(), &channel, encoding.xercesName, true), "FormatXMLDoc failed");
+    ExpectAll(channel.GetBytes().size(), trees);
+}
+
+void SerializeWithXerces(const Trees& trees, const Encoding& encoding)
+{
     DOMImplementation* const implementation = DOMImplementation::getImplementation();
-    for (auto _ : state)
-    {
-        const NuvXML::XercesPtr<DOMLSSerializer> serializer(implementation->createLSSerializer());
-        const NuvXML::XercesPtr<DOMLSOutput> output(implementation->createLSOutput());
-        MemBufFormatTarget target;
-        output->setByteStream(&target);
-        output->setEncoding(encoding);
-        if (!serializer->write(&document, output.get()))
-            state.SkipWithError("the serializer failed");
-        ExpectAbout(state, target.getLen(), DocumentSize * bytesPerCharacter);
-    }
+    const NuvXML::XercesPtr<DOMLSSerializer> serializer(implementation->createLSSerializer());
+    const NuvXML::XercesPtr<DOMLSOutput> output(implementation->createLSOutput());
+    MemBufFormatTarget target;
+    output->setByteStream(&target);
+    output->setEncoding(encoding.xercesName);
+    Expect(serializer->write(trees.ofXerces.get(), output.get()), "Xerces' serializer failed");
+    ExpectAll(target.getLen(), trees);
 }
 
-void FormatUTF8(benchmark::State& state) { FormatDocument(state, u"UTF-8", 1); }
-void FormatUTF16(benchmark::State& state) { FormatDocument(state, u"UTF-16LE", 2); }
-void FormatLatin1(benchmark::State& state) { FormatDocument(state, u"ISO-8859-1", 1); }
-void FormatKOI8(benchmark::State& state) { FormatDocument(state, u"KOI8-R", 1); }
-void SerializeUTF8(benchmark::State& state) { SerializeDocument(state, u"UTF-8", 1); }
-void SerializeUTF16(benchmark::State& state) { SerializeDocument(state, u"UTF-16LE", 2); }
-void SerializeLatin1(benchmark::State& state) { SerializeDocument(state, u"ISO-8859-1", 1); }
-void SerializeKOI8(benchmark::State& state) { SerializeDocument(state, u"KOI8-R", 1); }
-
-void DumpWithLibxml2(benchmark::State& state)
+void DumpWithLibxml2(const Trees& trees, const Encoding& encoding)
 {
-    const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> document(
-        xmlReadMemory(Source().data(), static_cast<int>(Source().size()), "source", nullptr, 0), &xmlFreeDoc);
-    for (auto _ : state)
-    {
-        xmlChar* text = nullptr;
-        int size = 0;
-        xmlDocDumpMemoryEnc(document.get(), &text, &size, "UTF-8");
-        ExpectAbout(state, static_cast<size_t>(size), DocumentSize);
-        xmlFree(text);
-    }
+    xmlChar* text = nullptr;
+    int size = 0;
+    xmlDocDumpMemoryEnc(trees.ofLibxml2.get(), &text, &size, encoding.name.c_str());
+    const std::unique_ptr<xmlChar, decltype(xmlFree)> owner(text, xmlFree);
+    ExpectAll(static_cast<size_t>(size), trees);
 }
 
-BENCHMARK(FormatUTF8)->Unit(benchmark::kMillisecond);
-BENCHMARK(SerializeUTF8)->Unit(benchmark::kMillisecond);
-BENCHMARK(DumpWithLibxml2)->Unit(benchmark::kMillisecond);
-BENCHMARK(FormatUTF16)->Unit(benchmark::kMillisecond);
-BENCHMARK(SerializeUTF16)->Unit(benchmark::kMillisecond);
-BENCHMARK(FormatLatin1)->Unit(benchmark::kMillisecond);
-BENCHMARK(SerializeLatin1)->Unit(benchmark::kMillisecond);
-BENCHMARK(FormatKOI8)->Unit(benchmark::kMillisecond);
-BENCHMARK(SerializeKOI8)->Unit(benchmark::kMillisecond);
+struct MemoryWriter : pugi::xml_writer
+{
+    void write(const void* data, size_t size) override { bytes.append(static_cast<const char*>(data), size); }
+
+    std::string bytes;
+};
+
+void SaveWithPugixml(const Trees& trees, pugi::xml_encoding encoding)
+{
+    MemoryWriter writer;
+    trees.ofPugixml.save(writer, "", pugi::format_raw, encoding);
+    ExpectAll(writer.bytes.size(), trees);
+}
+
+/// All libraries that know the encoding, and the limits of ours.
+void AddEncoding(std::vector<Candidate>& candidates, std::vector<Limit>& limits, const Trees& trees,
+                 const Encoding& encoding)
+{
+    const std::string input = trees.name + " in " + encoding.name;
+    const auto add = [&candidates, &input](const char* name, Whose whose, std::function<void()> run) {
+        candidates.push_back({input, name, whose, std::move(run)});
+    };
+    add("FormatXMLDoc", Whose::Ours, [&trees, &encoding] { FormatWithOurs(trees, encoding); });
+    add("Xerces' serializer", Whose::Peers, [&trees, &encoding] { SerializeWithXerces(trees, encoding); });
+    add("libxml2", Whose::Peers, [&trees, &encoding] { DumpWithLibxml2(trees, encoding); });
+    if (encoding.pugixmlName)
+        add("pugixml", Whose::Peers, [&trees, &encoding] { SaveWithPugixml(trees, *encoding.pugixmlName); });
+    limits.push_back(LimitOf(input, "FormatXMLDoc", "Xerces' serializer", encoding.atMost));
+}
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    const int result = Benchmarks::RunAndCompare(
-        argc, argv,
-        {
-            {"FormatXMLDoc in UTF-8 / Xerces' serializer", "FormatUTF8", "SerializeUTF8", 0.30},
-            {"FormatXMLDoc in UTF-8 / xmlDocDumpMemoryEnc", "FormatUTF8", "DumpWithLibxml2", 1.00},
-            {"FormatXMLDoc in UTF-16 / Xerces' serializer", "FormatUTF16", "SerializeUTF16", 0.40},
-            {"FormatXMLDoc in ISO-8859-1 / Xerces' serializer", "FormatLatin1", "SerializeLatin1", 0.40},
-            {"FormatXMLDoc in KOI8-R / Xerces' serializer", "FormatKOI8", "SerializeKOI8", 0.60},
-        });
-    // Documents of Xerces must not outlive the library, which stops it before static objects go.
-    std::fflush(stdout);
-    std::_Exit(result);
+    std::vector<Candidate> candidates;
+    std::vector<Limit> limits;
+    std::vector<Trees> allTrees;
+    for (const Input& input : AllInputs())
+        allTrees.emplace_back(input);
+    const Trees& records = allTrees.front();
+    AddEncoding(candidates, limits, records, UTF8);
+    limits.push_back(LimitOf(records.name + " in UTF-8", "FormatXMLDoc", "libxml2", 1.00));
+    for (const Encoding& encoding : OtherEncodings)
+        AddEncoding(candidates, limits, records, encoding);
+    for (size_t i = 1; i < allTrees.size(); ++i)
+        AddEncoding(candidates, limits, allTrees[i], UTF8OfReal);
+    return RunAndCompare(argc, argv, candidates, limits);
 }

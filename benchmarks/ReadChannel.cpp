@@ -1,15 +1,16 @@
-// Loading a document of about 15 MB, and reading its values back through the input channel.
-
-#include "Documents.hpp"
-#include "Ratios.hpp"
-
+/// @file
+/// Opening a document of about 15 MB and reading its values back through the input channel, against bare DOM
+/// calls and pugixml; and a document that no channel wrote.
 #include "InputOutput/File.hpp"
 #include "InputOutput/FileSystem.hpp"
 #include "InputOutput/Folder.hpp"
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
+#include "NuvRoot/ValueText.hpp"
+#include "benchmarks/Documents.hpp"
+#include "benchmarks/Inputs.hpp"
+#include "benchmarks/Peers.hpp"
+#include "benchmarks/Ratios.hpp"
 
-#include <xercesc/framework/MemBufInputSource.hpp>
-#include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/dom/DOM.hpp>
 
 namespace
 {
@@ -17,13 +18,13 @@ namespace
 using namespace Benchmarks;
 
 constexpr size_t ValueCount = 400'000;
+constexpr char WrongValue[] = "a value is not what was written";
 
-/// The document with all values in one group, in memory and as a file that is removed at the end.
-class Input
+/// A document as a file that is removed at the end.
+class TemporaryFile
 {
   public:
-    Input()
-        : bytes(MakeDocument(ValueCount, ValueCount))
+    explicit TemporaryFile(const std::string& bytes)
     {
         IO::FileSystem::GetSpecialLocation(IO::FileSystem::TemporaryFolder, location);
         IO::Name name;
@@ -33,72 +34,21 @@ class Input
         file.Open(IO::WriteMode, IO::ReportAccessDenied);
         file.Write(bytes.data(), bytes.size());
     }
-    Input(const Input&) = delete;
-    Input& operator=(const Input&) = delete;
-    ~Input() { IO::FileSystem::Delete(location, IO::DeleteForGood, IO::ReportAccessDenied); }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile() { IO::FileSystem::Delete(location, IO::DeleteForGood, IO::ReportAccessDenied); }
 
-    const std::string& Bytes() const { return bytes; }
     const IO::Location& Location() const { return location; }
 
   private:
-    std::string bytes;
     IO::Location location;
 };
 
-const Input& GetInput()
-{
-    static const Input input;
-    return input;
-}
-
-const unsigned char* Data(const std::string& bytes)
-{
-    return reinterpret_cast<const unsigned char*>(bytes.data());
-}
-
 InputChannel Open(const std::string& bytes)
 {
-    return InputChannel(
-        NuvXML::CreateXMLIChannelFromMemory(Data(bytes), static_cast<unsigned int>(bytes.size()), true));
+    return InputChannel(NuvXML::CreateXMLIChannelFromMemory(
+        reinterpret_cast<const unsigned char*>(bytes.data()), static_cast<unsigned int>(bytes.size()), true));
 }
-
-void ChannelFromFile(benchmark::State& state)
-{
-    for (auto _ : state)
-        InputChannel(NuvXML::CreateXMLIChannel(GetInput().Location(), true));
-}
-BENCHMARK(ChannelFromFile)->Unit(benchmark::kMillisecond);
-
-void BareParser(benchmark::State& state)
-{
-    const std::string& bytes = GetInput().Bytes();
-    for (auto _ : state)
-    {
-        xercesc_3_0::XercesDOMParser parser;
-        const xercesc_3_0::MemBufInputSource source(Data(bytes), bytes.size(), u"Benchmark");
-        parser.parse(source);
-    }
-}
-BENCHMARK(BareParser)->Unit(benchmark::kMillisecond);
-
-void Load(benchmark::State& state, bool withLines)
-{
-    for (auto _ : state)
-    {
-        NodeLocations lines;
-        const NuvXML::XercesPtr<xercesc_3_0::DOMDocument> document(
-            ParseXMLDoc(GetInput().Location(), ValidatingXMLParser::LineInfoParser::Val_Auto, true,
-                        withLines ? &lines : nullptr, nullptr, nullptr));
-        if (!document)
-            state.SkipWithError("The document could not be loaded.");
-    }
-}
-
-void LoadWithLines(benchmark::State& state) { Load(state, true); }
-BENCHMARK(LoadWithLines)->Unit(benchmark::kMillisecond);
-
-void LoadWithoutLines(benchmark::State& state) { Load(state, false); }
-BENCHMARK(LoadWithoutLines)->Unit(benchmark::kMillisecond);
 
 /// Reads the values in the order in which they were written; false when one is not what was written.
 bool ReadValues(Nuv::XMLIChannel& channel, size_t groupSize)
@@ -121,35 +71,117 @@ bool ReadValues(Nuv::XMLIChannel& channel, size_t groupSize)
     return true;
 }
 
-void ReadBack(benchmark::State& state, size_t groupSize)
+void ReadBack(Nuv::XMLIChannel& channel, size_t groupSize)
 {
-    const InputChannel channel = Open(MakeDocument(ValueCount, groupSize));
-    for (auto _ : state)
+    Expect(ReadValues(channel, groupSize), WrongValue);
+    channel.ReadEndElement("Values");
+    channel.ReadStartElement("Values");
+}
+
+/// The values of one group, one after the other, without a look at the names.
+void ReadWithBareCalls(const xercesc_3_0::DOMDocument& document)
+{
+    const auto* element = document.getDocumentElement()->getFirstElementChild()->getFirstElementChild();
+    for (size_t i = 0; i < ValueCount; ++i, element = element->getNextElementSibling())
     {
-        if (!ReadValues(*channel, groupSize))
-            state.SkipWithError("A value is not what was written.");
-        channel->ReadEndElement("Values");
-        channel->ReadStartElement("Values");
+        const Nuv::UniString text(element->getFirstChild()->getNodeValue());
+        int integer = 0;
+        Expect(IsText(i) ? !text.IsEmpty() : Nuv::strtovalue(text.View(), integer) && integer == IntegerAt(i),
+               WrongValue);
     }
 }
 
-void ReadBackSiblings(benchmark::State& state) { ReadBack(state, ValueCount); }
-BENCHMARK(ReadBackSiblings)->Unit(benchmark::kMillisecond);
+void ReadWithPugixml(const pugi::xml_document& document)
+{
+    pugi::xml_node element = document.document_element().first_child().first_child();
+    for (size_t i = 0; i < ValueCount; ++i, element = element.next_sibling())
+    {
+        Expect(IsText(i) ? !std::string(element.child_value()).empty()
+                         : element.text().as_int() == IntegerAt(i),
+               WrongValue);
+    }
+}
 
-void ReadBackGroups(benchmark::State& state) { ReadBack(state, 100); }
-BENCHMARK(ReadBackGroups)->Unit(benchmark::kMillisecond);
+const char* const LanguageAttributes[] = {"id", "type", "name"};
+constexpr size_t LanguageCount = 7'000;
+
+void ReadLanguages(Nuv::XMLIChannel& channel)
+{
+    size_t count = 0;
+    for (; channel.GetNextTokenType() == Nuv::XMLStartElement; ++count)
+    {
+        Nuv::UniString value;
+        channel.ReadStartElement("iso_639_3_entry");
+        for (const char* attribute : LanguageAttributes)
+            Expect(channel.ReadXMLAttr(attribute, value) == Nuv::Success, "an attribute is missing");
+        channel.ReadEndElement("iso_639_3_entry");
+    }
+    Expect(count > LanguageCount, "languages are missing");
+    channel.ReadEndElement("iso_639_3_entries");
+    channel.ReadStartElement("iso_639_3_entries");
+}
+
+void ReadLanguagesWithBareCalls(const xercesc_3_0::DOMDocument& document)
+{
+    size_t count = 0;
+    for (const auto* element = document.getDocumentElement()->getFirstElementChild(); element;
+         element = element->getNextElementSibling(), ++count)
+        for (const char16_t* attribute : {u"id", u"type", u"name"})
+            Expect(!Nuv::UniString(element->getAttribute(attribute)).IsEmpty(), "an attribute is missing");
+    Expect(count > LanguageCount, "languages are missing");
+}
+
+void ReadLanguagesWithPugixml(const pugi::xml_document& document)
+{
+    size_t count = 0;
+    for (const pugi::xml_node element : document.document_element().children("iso_639_3_entry"))
+    {
+        for (const char* attribute : LanguageAttributes)
+            Expect(!std::string(element.attribute(attribute).value()).empty(), "an attribute is missing");
+        ++count;
+    }
+    Expect(count > LanguageCount, "languages are missing");
+}
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    std::printf("The document has %zu bytes.\n", GetInput().Bytes().size());
+    const std::string text = MakeDocument(ValueCount, ValueCount);
+    const std::string languages = Languages().text;
+    const TemporaryFile file(text);
+    const InputChannel siblings = Open(text);
+    const InputChannel groups = Open(MakeDocument(ValueCount, 100));
+    const InputChannel languageChannel = Open(languages);
+    const XercesDocument ofXerces = ParseWithXerces(text);
+    const XercesDocument languagesOfXerces = ParseWithXerces(languages);
+    const pugi::xml_document ofPugixml = ParseWithPugixml(text, pugi::parse_default);
+    const pugi::xml_document languagesOfPugixml = ParseWithPugixml(languages, pugi::parse_default);
+
+    const std::string opening = "400,000 values, opened";
+    const std::string reading = "400,000 values, read";
+    const std::string languagesRead = "iso_639-3.xml, read";
     return RunAndCompare(
         argc, argv,
         {
-            {"CreateXMLIChannel on a file to a bare parser in memory", "ChannelFromFile", "BareParser", 1.05},
-            {"ParseXMLDoc with lines to without", "LoadWithLines", "LoadWithoutLines", 1.20},
-            {"reading all values back to parsing them", "ReadBackSiblings", "ChannelFromFile", 0.35},
-            {"a value among 400,000 siblings to one among 100", "ReadBackSiblings", "ReadBackGroups", 1.20},
+            {opening, "CreateXMLIChannel", Whose::Ours,
+             [&] { InputChannel(NuvXML::CreateXMLIChannel(file.Location(), true)); }},
+            {opening, "Xerces' parser", Whose::Peers, [&] { ParseWithXerces(text); }},
+            {opening, "libxml2", Whose::Peers, [&] { ParseWithLibxml2(text); }},
+            {opening, "pugixml", Whose::Peers, [&] { ParseWithPugixml(text, KeepAll); }},
+            {reading, "DOMReader, siblings", Whose::Ours, [&] { ReadBack(*siblings, ValueCount); }},
+            {reading, "DOMReader, groups of 100", Whose::Ours, [&] { ReadBack(*groups, 100); }},
+            {reading, "bare DOM calls", Whose::Peers, [&] { ReadWithBareCalls(*ofXerces); }},
+            {reading, "pugixml", Whose::Peers, [&] { ReadWithPugixml(ofPugixml); }},
+            {languagesRead, "DOMReader", Whose::Ours, [&] { ReadLanguages(*languageChannel); }},
+            {languagesRead, "bare DOM calls", Whose::Peers,
+             [&] { ReadLanguagesWithBareCalls(*languagesOfXerces); }},
+            {languagesRead, "pugixml", Whose::Peers, [&] { ReadLanguagesWithPugixml(languagesOfPugixml); }},
+        },
+        {
+            LimitOf(opening, "CreateXMLIChannel", "Xerces' parser", 1.05),
+            LimitOf(reading, "DOMReader, siblings", "DOMReader, groups of 100", 1.20),
+            {"400,000 values: read / opened", reading + "/DOMReader, siblings",
+             opening + "/CreateXMLIChannel", 0.35},
         });
 }
