@@ -1,5 +1,6 @@
 #include "NuvXMLUtils/FormatXMLDoc.hpp"
 
+#include "NuvXMLUtils/Attributes.hpp"
 #include "NuvXMLUtils/OutOfMemory.hpp"
 #include "NuvXMLUtils/XMLPrint.hpp"
 
@@ -185,6 +186,7 @@ class NodePrinter
         print.Write(element.getNodeName());
         if (const xercesc_3_0::DOMNamedNodeMap* const attributes = element.getAttributes())
         {
+            NuvXML::FetchAttributes(*attributes);
             const XMLSize_t count = attributes->getLength();
             for (XMLSize_t i = 0; i < count; ++i)
                 WriteAttribute(*attributes->item(i));

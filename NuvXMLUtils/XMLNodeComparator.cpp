@@ -3,6 +3,7 @@
 #include "NuvRoot/Containers.hpp"
 #include "NuvRoot/Exceptions.hpp"
 #include "NuvRoot/SharedObject.hpp"
+#include "NuvXMLUtils/Attributes.hpp"
 #include "NuvXMLUtils/SkipWhitespaceTextsCompareFilter.hpp"
 #include "NuvXMLUtils/TextView.hpp"
 #include "NuvXMLUtils/XMLCompareException.hpp"
@@ -77,8 +78,11 @@ class AttributeNames
             AddToOthers(ViewOf(name));
     }
 
-    bool Contains(const XMLCh* name) const
+    /// @param likelyIndex the number of the names that were probably added before this one
+    bool Contains(const XMLCh* name, size_t likelyIndex) const
     {
+        if (likelyIndex < count && XMLString::equals(first[likelyIndex], name))
+            return true;
         for (size_t i = 0; i < count; ++i)
             if (XMLString::equals(first[i], name))
                 return true;
@@ -109,6 +113,16 @@ const DOMText* TextOf(const DOMAttr* attribute)
 const DOMAttr* AttributeAt(const DOMNamedNodeMap& attributes, XMLSize_t index)
 {
     return static_cast<const DOMAttr*>(attributes.item(index));
+}
+
+/// The attribute with the name, or null. Attributes are sorted by name, so that of two equal elements it
+/// stands at the same index, which saves the search.
+const DOMAttr* FindAttribute(const DOMNamedNodeMap& attributes, const XMLCh* name, XMLSize_t likelyIndex)
+{
+    const DOMAttr* const likely = AttributeAt(attributes, likelyIndex);
+    if (likely && XMLString::equals(likely->getName(), name))
+        return likely;
+    return static_cast<const DOMAttr*>(attributes.getNamedItem(name));
 }
 
 enum class PairKind
@@ -237,14 +251,15 @@ void XMLNodeComparator::CompareAttributes(const DOMElement* left, const DOMEleme
 {
     const DOMNamedNodeMap& leftAttributes = *left->getAttributes();
     const DOMNamedNodeMap& rightAttributes = *right->getAttributes();
+    FetchAttributes(leftAttributes);
+    FetchAttributes(rightAttributes);
     AttributeNames compared;
     for (XMLSize_t i = 0; i < leftAttributes.getLength(); ++i)
     {
         const DOMAttr* const leftAttribute = AttributeAt(leftAttributes, i);
         if (!options.AcceptAttribute(leftAttribute))
             continue;
-        const auto* const rightAttribute =
-            static_cast<const DOMAttr*>(rightAttributes.getNamedItem(leftAttribute->getName()));
+        const DOMAttr* const rightAttribute = FindAttribute(rightAttributes, leftAttribute->getName(), i);
         if (!rightAttribute)
             throw AttributeMissingException(left, right, leftAttribute, XMLCompareException::Right);
         const std::unique_ptr<XMLValueComparator> comparator(
@@ -256,7 +271,7 @@ void XMLNodeComparator::CompareAttributes(const DOMElement* left, const DOMEleme
     for (XMLSize_t i = 0; i < rightAttributes.getLength(); ++i)
     {
         const DOMAttr* const rightAttribute = AttributeAt(rightAttributes, i);
-        if (!compared.Contains(rightAttribute->getName()) && options.AcceptAttribute(rightAttribute))
+        if (!compared.Contains(rightAttribute->getName(), i) && options.AcceptAttribute(rightAttribute))
             throw AttributeMissingException(left, right, rightAttribute, XMLCompareException::Left);
     }
 }

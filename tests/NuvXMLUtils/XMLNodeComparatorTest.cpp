@@ -91,6 +91,25 @@ TEST(CompareAttributes, ComparesQualifiedNames)
     ExpectDifferent<AttributeMissingException>("<a xmlns:p='u' p:k='1'/>", "<a xmlns:p='u' k='1'/>");
 }
 
+TEST(CompareAttributes, FindsAttributesThatStandBehindOthersOnOneSideOnly)
+{
+    class WithoutFirst : public Standard
+    {
+        WithoutFirst* Clone() const override { return new WithoutFirst(*this); }
+        bool AcceptAttribute(const DOMAttr* attribute) const override
+        {
+            return Nuv::UniString(attribute->getName()) != u"a";
+        }
+    };
+    const char* const with = "<e a='0' b='1' c='2' d='3'/>";
+    const char* const without = "<e b='1' c='2' d='3'/>";
+    EXPECT_NO_THROW(Compare(with, without, WithoutFirst()));
+    EXPECT_NO_THROW(Compare(without, with, WithoutFirst()));
+    EXPECT_EQ(DifferenceOf<AttributeMissingException>(with, without).GetWhereItIsMissing(), Right);
+    EXPECT_EQ(DifferenceOf<AttributeMissingException>(without, with).GetWhereItIsMissing(), Left);
+    EXPECT_THROW(Compare(with, "<e b='1' c='9' d='3'/>", WithoutFirst()), AttributesDontMatchException);
+}
+
 TEST(CompareAttributes, ComparesManyAttributes)
 {
     const auto elementWith = [](int count, const std::string& more)
