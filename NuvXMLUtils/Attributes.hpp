@@ -4,6 +4,7 @@
 
 #include "NuvXMLUtils/Xerces.hpp"
 
+#include <xercesc/dom/DOMAttr.hpp>
 #include <xercesc/dom/DOMNamedNodeMap.hpp>
 
 namespace NuvXML
@@ -18,6 +19,15 @@ inline void FetchAttributes(const xercesc_3_0::DOMNamedNodeMap& attributes)
     for (XMLSize_t i = 0; i < count; ++i)
         if (const xercesc_3_0::DOMNode* const child = attributes.item(i)->getFirstChild())
             __builtin_prefetch(child->getNodeValue());
+}
+
+/// The attribute's getValue(), which casts dynamically also when there is but one text to give.
+inline const XMLCh* ValueOf(const xercesc_3_0::DOMAttr& attribute)
+{
+    const xercesc_3_0::DOMNode* const child = attribute.getFirstChild();
+    const bool isOneText =
+        child && child->getNodeType() == xercesc_3_0::DOMNode::TEXT_NODE && !child->getNextSibling();
+    return isOneText ? child->getNodeValue() : attribute.getValue();
 }
 
 } // namespace NuvXML

@@ -2,6 +2,7 @@
 
 #include "NuvRoot/Exceptions.hpp"
 #include "NuvRoot/ValueText.hpp"
+#include "NuvXMLUtils/Attributes.hpp"
 #include "NuvXMLUtils/ChannelCursor.hpp"
 #include "NuvXMLUtils/ValidatingXMLParser.hpp"
 
@@ -388,7 +389,7 @@ int DOMReader::ReadXMLAttr(const char* name, Nuv::UniString& value)
         AddMessage(TextWith(u"Missing Attribute: ", name));
         return Nuv::Failure;
     }
-    value = attribute->getValue();
+    value = ValueOf(*attribute);
     return Nuv::Success;
 }
 

@@ -1,6 +1,7 @@
 #include "NuvXMLUtils/XMLCompareOptions.hpp"
 
 #include "NuvRoot/ValueText.hpp"
+#include "NuvXMLUtils/Attributes.hpp"
 #include "NuvXMLUtils/TextView.hpp"
 #include "NuvXMLUtils/XMLCompareException.hpp"
 #include "NuvXMLUtils/XMLNodeComparator.hpp"
@@ -143,9 +144,9 @@ void AttrRuledCompareOptions::SetCurrentValueType(const DOMElement* left, const 
     const DOMAttr* const leftType = GetTypeAttribute(left);
     const DOMAttr* const rightType = GetTypeAttribute(right);
     const bool disagree =
-        leftType && rightType && XMLString::compareIString(leftType->getValue(), rightType->getValue());
+        leftType && rightType && XMLString::compareIString(ValueOf(*leftType), ValueOf(*rightType));
     if (const DOMAttr* const type = leftType ? leftType : rightType; type && !disagree)
-        currentValueType = ValueTypeNamed(ViewOf(type->getValue()));
+        currentValueType = ValueTypeNamed(ViewOf(ValueOf(*type)));
     DoValueTypeSpecificUpdates(left, right);
 }
 
@@ -155,9 +156,9 @@ void AttrRuledCompareOptions::DoValueTypeSpecificUpdates(const DOMElement* left,
     const DOMAttr* const rightMarker = FindAttribute(right, markers->epsilonAttribute);
     double leftEpsilon = 0.0;
     double rightEpsilon = 0.0;
-    if (leftMarker && !Nuv::strtovalue(leftMarker->getValue(), leftEpsilon))
+    if (leftMarker && !Nuv::strtovalue(ValueOf(*leftMarker), leftEpsilon))
         return;
-    if (rightMarker && !Nuv::strtovalue(rightMarker->getValue(), rightEpsilon))
+    if (rightMarker && !Nuv::strtovalue(ValueOf(*rightMarker), rightEpsilon))
         return;
     if (leftMarker && rightMarker && !(std::fabs(leftEpsilon - rightEpsilon) < EpsilonMarkerTolerance))
         return;

@@ -508,6 +508,29 @@ TEST(DOMReaderAttributes, GiveTheirDefaultFromTheDTD)
     EXPECT_EQ(value, 12);
 }
 
+TEST(DOMReaderAttributes, MayConsistOfSeveralTexts)
+{
+    using namespace xercesc_3_0;
+    const NuvXML::XercesPtr<DOMDocument> document(
+        DOMImplementation::getImplementation()->createDocument(nullptr, u"r", nullptr));
+    DOMAttr* const several = document->createAttribute(u"several");
+    several->appendChild(document->createTextNode(u"1"));
+    several->appendChild(document->createTextNode(u"2"));
+    DOMAttr* const reference = document->createAttribute(u"reference");
+    reference->appendChild(static_cast<DOMNode*>(document->createEntityReference(u"unknown")));
+    for (DOMAttr* const attribute : {several, reference, document->createAttribute(u"none")})
+        document->getDocumentElement()->setAttributeNode(attribute);
+
+    DOMReader reader(document->getDocumentElement());
+    UniString value;
+    EXPECT_EQ(reader.ReadXMLAttr("several", value), 0);
+    EXPECT_EQ(value, UniString(u"12"));
+    EXPECT_EQ(reader.ReadXMLAttr("reference", value), 0);
+    EXPECT_EQ(value, UniString());
+    EXPECT_EQ(reader.ReadXMLAttr("none", value), 0);
+    EXPECT_EQ(value, UniString());
+}
+
 TEST(DOMReaderAttributes, AreReadThroughTheFormsForLong)
 {
     TextReader reader("<r a='-9223372036854775808' b='18446744073709551615'/>");
