@@ -26,6 +26,15 @@ std::basic_string_view<Character> Measured(const Character* text, int length)
                       : std::basic_string_view<Character>(text, static_cast<size_t>(length));
 }
 
+/// Every white-space character is a single unit. ICU's table is not needed for ASCII.
+bool IsWhiteSpace(char16_t unit)
+{
+    constexpr char16_t FirstBeyondASCII = 0x80;
+    if (unit < FirstBeyondASCII)
+        return unit == u' ' || (unit >= u'\t' && unit <= u'\r');
+    return u_isUWhiteSpace(unit) != 0;
+}
+
 /// The result of a converter: how many there are, copied where there is a buffer to hold them.
 template <class Source, class Character>
 int CountOrCopy(const Source& converted, Character* out, int capacity)
@@ -46,10 +55,9 @@ int CountOrCopy(const Source& converted, Character* out, int capacity)
 
 std::u16string_view Trimmed(std::u16string_view text)
 {
-    // Every white-space character is a single unit.
-    while (!text.empty() && u_isUWhiteSpace(text.front()))
+    while (!text.empty() && IsWhiteSpace(text.front()))
         text.remove_prefix(1);
-    while (!text.empty() && u_isUWhiteSpace(text.back()))
+    while (!text.empty() && IsWhiteSpace(text.back()))
         text.remove_suffix(1);
     return text;
 }

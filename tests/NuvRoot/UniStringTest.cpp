@@ -210,11 +210,12 @@ TEST(UniString, AppendsUnitsAndText)
     EXPECT_EQ(UniString(u"a") + UniString(u"b") + u"c", u"abc");
 }
 
+constexpr char16_t WhiteSpace[] =
+    u"\t\n\v\f\r \u0085\u00A0\u1680\u2000\u2001\u2002\u2003\u2004\u2005\u2006\u2007\u2008\u2009\u200A"
+    u"\u2028\u2029\u202F\u205F\u3000";
+
 TEST(UniString, TrimsEveryWhiteSpaceCharacterAtBothEnds)
 {
-    constexpr char16_t WhiteSpace[] =
-        u"\t\n\v\f\r \u0085\u00A0\u1680\u2000\u2001\u2002\u2003\u2004\u2005\u2006\u2007\u2008\u2009\u200A"
-        u"\u2028\u2029\u202F\u205F\u3000";
     UniString text = UniString(WhiteSpace) + u"a" + WhiteSpace + u"z" + WhiteSpace;
     const UniString expected = UniString(u"a") + WhiteSpace + u"z";
     EXPECT_EQ(Nuv::Trimmed(text.View()), expected.View());
@@ -231,6 +232,10 @@ TEST(UniString, TrimsNothingElse)
     UniString text(u"\u200B\uFEFFa\u180E\0"sv);
     text.Trim();
     EXPECT_EQ(text, UniString(u"\u200B\uFEFFa\u180E\0"sv));
+    for (char16_t unit = 0xFFFF; unit > 0; --unit)
+        ASSERT_EQ(Nuv::Trimmed({&unit, 1}).empty(),
+                  std::u16string_view(WhiteSpace).find(unit) != std::u16string::npos)
+            << static_cast<int>(unit);
 }
 
 TEST(UniString, BecomesLowerCaseByUnicodeRules)
