@@ -14,6 +14,6 @@ if(NUV_SANITIZE)
   target_link_options(nuv_options INTERFACE -fsanitize=${NUV_SANITIZE})
 endif()
 if(NUV_COVERAGE)
-  target_compile_options(nuv_options INTERFACE --coverage)
+  target_compile_options(nuv_options INTERFACE --coverage -fprofile-update=atomic) # some tests start threads
   target_link_options(nuv_options INTERFACE --coverage)
 endif()
