@@ -12,7 +12,6 @@
 #include "NuvRoot/ResultCodes.hpp"
 #include "NuvRoot/UniString.hpp"
 
-
 #if !defined(__int64) && !defined(_MSC_VER)
 /// The name that older code of the application uses for 64-bit integers; `unsigned __int64` works too.
 #define __int64 long long // NOLINT(bugprone-reserved-identifier)
