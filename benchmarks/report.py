@@ -30,7 +30,7 @@ PACKAGES = {
 SECTIONS = {
     "LoadDocument": ("Loading", """
 A text in memory becomes a tree. ParseXMLDoc, Xerces' parser and libxml2 validate the real documents, which have a
-DTD; libxml2 always records lines. pugixml does less: no validation, no entities or default values of a DTD, no check
+DTD; libxml2 always records lines, up to 65,535. pugixml does less: no validation, no entities or default values of a DTD, no check
 of names and characters, no lines."""),
     "PrintDocument": ("Printing", """
 A tree becomes text in memory. libxml2 and pugixml hold their trees in UTF-8, so that UTF-8 is a copy for them, which
@@ -42,8 +42,9 @@ handler, which does less: it writes nothing. libxml2 goes from its SAX interface
 namespaces and without validation."""),
     "CompareDocuments": ("Comparing", """
 Two equal documents are compared. The bare walk is what a comparison on tree walkers cannot do without: it does less,
-for it looks at the same pairs with Xerces' walkers, at no attribute and at no text. pugixml has no comparison; what is measured compares
-names, attributes in their order and texts as they stand, without numbers, tolerances, case, filters or messages."""),
+for it goes through the same pairs with Xerces' walkers and looks at no attribute and no text. pugixml has no
+comparison; what is measured compares names, attributes in their order and texts as they stand, without numbers,
+tolerances, case, filters or messages."""),
     "WriteChannel": ("Writing through the output channel", """
 400,000 values are written and exported as UTF-8. The bare calls make the same nodes and use the same serializer.
 pugixml does less: it is given its texts in UTF-8, and does not check names and characters."""),
