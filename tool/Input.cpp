@@ -1,5 +1,6 @@
 #include "Input.hpp"
 
+#include "Folders.hpp"
 #include "Output.hpp"
 #include "Trouble.hpp"
 
@@ -29,10 +30,8 @@ class OpenFile
     explicit OpenFile(const std::string& path)
         : name(DisplayName(path))
         , isStandardInput(path == StandardInput)
-        , descriptor(isStandardInput ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC))
+        , descriptor(isStandardInput ? STDIN_FILENO : Open(path))
     {
-        if (descriptor < 0)
-            throw FileTrouble(name, errno);
     }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
@@ -57,6 +56,16 @@ class OpenFile
     }
 
   private:
+    static int Open(const std::string& path)
+    {
+        if (IsFolder(path))
+            throw FileTrouble(path, EISDIR);
+        const int opened = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+        if (opened < 0)
+            throw FileTrouble(path, errno);
+        return opened;
+    }
+
     std::string name;
     bool isStandardInput;
     int descriptor;

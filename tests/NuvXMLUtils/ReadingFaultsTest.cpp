@@ -140,6 +140,8 @@ TEST_F(ReadingFaults, AreToldOfNamesThatCannotBe)
 TEST_F(ReadingFaults, AreToldWhenNoFileCanBeOpenedAnyMore)
 {
     const IO::Location file(folder.Write("a.xml", "<r><v>1</v></r>"));
+    ExpectNotToOpen(
+        LocationOf("none.xml")); // so that a sanitizer has seen the types that it needs files to check
     {
         const NoMoreFilesScope scope;
         ExpectNotToOpen(file);
@@ -445,6 +447,7 @@ TEST_F(SchemaFaults, AreToldOfAFileThatMayNotBeRead)
 TEST_F(SchemaFaults, AreToldWhenNoFileCanBeOpenedAnyMore)
 {
     const IO::Location schema = WriteSchemaWith("");
+    ExpectToBeRefused(LocationOf("none.xsd"), 0, CouldNotOpen); // as a sanitizer needs it, see above
     const NoMoreFilesScope scope;
     ExpectToBeRefused(schema, 0, CouldNotOpen);
 }

@@ -166,6 +166,10 @@ TEST_F(WritingFaults, OfAStreamLeaveTheBeginning)
 TEST_F(WritingFaults, LeaveNothingWhenNoFileCanBeOpenedAnyMore)
 {
     const UniString path = folder.Write("a.xml", "old");
+    {
+        DOMBuilder first(IO::Location(folder.PathOf("b.xml"))); // a sanitizer needs files to check new types
+        WriteRoot(first);
+    }
     DOMBuilder* builder = new DOMBuilder(IO::Location(path));
     WriteRoot(*builder);
     {
