@@ -47,14 +47,22 @@ void ValidatingXMLParser::LineInfoParser::ForgetXMLVersion()
 void ValidatingXMLParser::LineInfoParser::docCharacters(const XMLCh* chars, XMLSize_t length,
                                                         bool cdataSection)
 {
-    XercesDOMParser::docCharacters(chars, length, cdataSection);
+    XercesDOMParser::docCharacters(chars, length, cdataSection && parsedNodes.cdataSections);
     InsertNodeLocInfo();
 }
 
 void ValidatingXMLParser::LineInfoParser::docComment(const XMLCh* comment)
 {
+    if (!parsedNodes.comments)
+        return;
     XercesDOMParser::docComment(comment);
     InsertNodeLocInfo();
+}
+
+void ValidatingXMLParser::LineInfoParser::docPI(const XMLCh* target, const XMLCh* data)
+{
+    if (parsedNodes.comments)
+        XercesDOMParser::docPI(target, data);
 }
 
 void ValidatingXMLParser::LineInfoParser::startElement(

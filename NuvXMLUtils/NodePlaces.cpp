@@ -53,6 +53,18 @@ unsigned int LineFeedsIn(std::u16string_view text)
     return static_cast<unsigned int>(std::count(text.begin(), text.end(), u'\n'));
 }
 
+std::u16string_view WithoutLeadingSpace(std::u16string_view text)
+{
+    return text.substr(std::min(text.find_first_not_of(u" \t\r\n"), text.size()));
+}
+
+/// How many characters two texts have in common at their beginnings.
+size_t CommonLength(std::u16string_view left, std::u16string_view right)
+{
+    const auto mismatch = std::mismatch(left.begin(), left.end(), right.begin(), right.end());
+    return static_cast<size_t>(mismatch.first - left.begin());
+}
+
 } // namespace
 
 NodePlaces::NodePlaces(const NodeLocations* lines)
@@ -154,6 +166,17 @@ unsigned int NodePlaces::LineOf(const DOMText* text, size_t offset)
     const std::u16string_view value = ViewOf(text->getNodeValue());
     const unsigned int below = offset < value.size() ? LineFeedsIn(value.substr(offset)) : 0;
     return below < lines->last ? lines->last - below : 1;
+}
+
+unsigned int NodePlaces::LineOfDifference(const DOMNode* node, const DOMNode* otherNode)
+{
+    if (!node || !otherNode || !IsText(node) || !IsText(otherNode))
+        return LineOf(node);
+    const std::u16string_view value = ViewOf(node->getNodeValue());
+    const std::u16string_view start = WithoutLeadingSpace(value);
+    const size_t offset = value.size() - start.size() +
+                          CommonLength(start, WithoutLeadingSpace(ViewOf(otherNode->getNodeValue())));
+    return offset < value.size() ? LineOf(static_cast<const DOMText*>(node), offset) : LineOf(node);
 }
 
 } // namespace NuvXML

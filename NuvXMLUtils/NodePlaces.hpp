@@ -43,6 +43,10 @@ class NUVXMLUTILS_API NodePlaces
     /// @param offset of the character in the node's value
     unsigned int LineOf(const xercesc_3_0::DOMText* text, size_t offset);
 
+    /// The line on which `node` differs from the node that it is compared with: LineOf the node, or where
+    /// both are text that of their first difference, white space at their beginnings apart.
+    unsigned int LineOfDifference(const xercesc_3_0::DOMNode* node, const xercesc_3_0::DOMNode* otherNode);
+
   private:
     /// Text that is parsed in pieces is recorded after each of them.
     struct RecordedLines

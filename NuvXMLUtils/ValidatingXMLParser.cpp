@@ -257,6 +257,7 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(xercesc_3_0::InputSource& s
     const FailureReport failure{errorLocation, errorMessage};
     ranOutOfMemory = false;
     parser->SetNodeLocations(nodeLocations);
+    parser->SetParsedNodes(parsedNodes);
     NuvEntityResolver entityResolver;
     try
     {

@@ -57,6 +57,17 @@ class NUVXMLUTILS_API ValidatingXMLParser
     /// Schemas are trusted: LoadSchema reads what they import and include without limits.
     void SetLimits(const ParserLimits& newLimits) { limits = newLimits; }
 
+    /// What a document holds besides elements, attributes, text and entity references.
+    struct ParsedNodes
+    {
+        bool cdataSections = true; ///< otherwise they become text
+        bool comments = true;      ///< and processing instructions
+    };
+
+    /// Sets what the documents of every later Parse hold; everything, unless it is set. Text on both sides of
+    /// what is left out is one text node.
+    void SetParsedNodes(const ParsedNodes& kinds) { parsedNodes = kinds; }
+
     /// Takes an error that lets a parse go on, such as a breach of the schema.
     using ErrorHandler = std::function<void(const NodeLocationInfo& location, const Nuv::UniString& message)>;
 
@@ -104,6 +115,7 @@ class NUVXMLUTILS_API ValidatingXMLParser
     std::unique_ptr<LineInfoParser> parser;
 
     ParserLimits limits;
+    ParsedNodes parsedNodes;
     ErrorHandler errorHandler;
     bool ranOutOfMemory = false;
     bool hasLostSchema = false;
@@ -122,6 +134,9 @@ class NUVXMLUTILS_API ValidatingXMLParser::LineInfoParser : public xercesc_3_0::
     /// Sets the store to fill, for all parses to come; null switches recording off. The store is not owned.
     void SetNodeLocations(NodeLocations* store);
 
+    /// As ValidatingXMLParser::SetParsedNodes.
+    void SetParsedNodes(const ParsedNodes& kinds) { parsedNodes = kinds; }
+
     /// Sets what keeps each parse to come within its limits; null, the default, lifts them. Not owned.
     void SetGuard(NuvXML::ParseGuard* newGuard);
 
@@ -135,6 +150,7 @@ class NUVXMLUTILS_API ValidatingXMLParser::LineInfoParser : public xercesc_3_0::
 
     void docCharacters(const XMLCh* chars, XMLSize_t length, bool cdataSection) override;
     void docComment(const XMLCh* comment) override;
+    void docPI(const XMLCh* target, const XMLCh* data) override;
     void startElement(const xercesc_3_0::XMLElementDecl& declaration, unsigned int urlId,
                       const XMLCh* elemPrefix, const xercesc_3_0::RefVectorOf<xercesc_3_0::XMLAttr>& attrList,
                       XMLSize_t attrCount, bool isEmpty, bool isRoot) override;
@@ -160,6 +176,7 @@ class NUVXMLUTILS_API ValidatingXMLParser::LineInfoParser : public xercesc_3_0::
     NodeLocations* nodeLocations = nullptr;
     const xercesc_3_0::Locator* locator;
     NuvXML::ParseGuard* guard = nullptr;
+    ParsedNodes parsedNodes;
 };
 
 /// @name One document

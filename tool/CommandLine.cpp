@@ -107,7 +107,7 @@ void CommandLine::AddCompare()
     AddChoice(command, "--color", compare.color, ColorChoices, "When to use colors; auto obeys NO_COLOR");
     command.footer(
         "Elements are paired by position. Values are compared as numbers where both are numbers, else as\n"
-        "text without regard to case. A CDATA section is not equal to plain text.");
+        "text without regard to case. A CDATA section is the text that it holds.");
 }
 
 void CommandLine::AddPrint()

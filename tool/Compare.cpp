@@ -28,7 +28,6 @@ class FileComparison
         : settings(chosen)
         , reporter(target)
         , rules(chosen)
-        , filter(chosen)
     {
     }
 
@@ -57,7 +56,16 @@ class FileComparison
   private:
     std::unique_ptr<Document> Read(const std::string& path) const
     {
-        return std::make_unique<Document>(path, false, settings.trusted);
+        return std::make_unique<Document>(
+            path, false, settings.trusted,
+            ValidatingXMLParser::ParsedNodes{.cdataSections = false, .comments = settings.comments});
+    }
+
+    xercesc_3_0::DOMNodeFilter* Filter()
+    {
+        if (settings.keepWhitespace)
+            return nullptr;
+        return settings.comments ? &commentsFilter : &contentFilter;
     }
 
     bool AreEqual(Document& left, Document& right)
@@ -65,14 +73,14 @@ class FileComparison
         try
         {
             NuvXML::XMLCompareStrictOrder comparator;
-            NuvXML::DoXMLCompare(&left.DOM(), &right.DOM(), &comparator, &filter, rules);
+            NuvXML::DoXMLCompare(&left.DOM(), &right.DOM(), &comparator, Filter(), rules);
             return true;
         }
         catch (const NuvXML::XMLCompareException&)
         {
             // The search below knows the nodes too.
         }
-        NuvXML::FindDifferences(&left.DOM(), &right.DOM(), &filter, rules,
+        NuvXML::FindDifferences(&left.DOM(), &right.DOM(), Filter(), rules,
                                 [&](const NuvXML::XMLDifference& difference)
                                 {
                                     reporter.Report(difference, left, right);
@@ -84,7 +92,8 @@ class FileComparison
     const CompareSettings& settings;
     DifferenceReporter& reporter;
     CompareRules rules;
-    CompareFilter filter;
+    NuvXML::SkipWhitespaceTextsCompareFilter contentFilter;
+    CommentsFilter commentsFilter;
 };
 
 /// What the comparison of two folders comes to.

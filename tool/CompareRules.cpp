@@ -29,24 +29,10 @@ std::unique_ptr<XMLValueComparator> WithCase(std::unique_ptr<XMLValueComparator>
 
 } // namespace
 
-CompareFilter::CompareFilter(const CompareSettings& settings)
-    : keepsWhitespace(settings.keepWhitespace)
-    , showsComments(settings.comments)
+xercesc_3_0::DOMNodeFilter::FilterAction CommentsFilter::acceptNode(const DOMNode* node) const
 {
-}
-
-xercesc_3_0::DOMNodeFilter::FilterAction CompareFilter::acceptNode(const DOMNode* node) const
-{
-    switch (node->getNodeType())
-    {
-    case DOMNode::COMMENT_NODE:
-    case DOMNode::PROCESSING_INSTRUCTION_NODE:
-        return showsComments ? FILTER_ACCEPT : FILTER_REJECT;
-    case DOMNode::CDATA_SECTION_NODE:
-        return FILTER_ACCEPT;
-    default:
-        return keepsWhitespace ? FILTER_ACCEPT : SkipWhitespaceTextsCompareFilter::acceptNode(node);
-    }
+    return node->getNodeType() == DOMNode::TEXT_NODE ? SkipWhitespaceTextsCompareFilter::acceptNode(node)
+                                                     : FILTER_ACCEPT;
 }
 
 CompareRules::CompareRules(const CompareSettings& settings)
@@ -72,7 +58,7 @@ bool CompareRules::AreNodeNamesEqual(const DOMNode* left, const DOMNode* right) 
                : AttrRuledCompareOptions::AreNodeNamesEqual(left, right);
 }
 
-/// CDATA sections, comments and processing instructions have names (the target of an instruction) and values.
+/// Comments and processing instructions have names (the target of an instruction) and values.
 void CompareRules::CompareSpecialTypeNodes(const DOMNode* left, const DOMNode* right)
 {
     if (!AreNodeNamesEqual(left, right))

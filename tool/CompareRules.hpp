@@ -12,16 +12,11 @@
 namespace Tool
 {
 
-/// Elements, CDATA sections and, as the settings have it, comments, processing instructions and blank text.
-class CompareFilter : public NuvXML::SkipWhitespaceTextsCompareFilter
+/// Hides blank text, as its base does, but neither comments nor processing instructions.
+class CommentsFilter : public NuvXML::SkipWhitespaceTextsCompareFilter
 {
   public:
-    explicit CompareFilter(const CompareSettings& settings);
     FilterAction acceptNode(const xercesc_3_0::DOMNode* node) const override;
-
-  private:
-    bool keepsWhitespace;
-    bool showsComments;
 };
 
 /// The options of the command line as options of a comparison.

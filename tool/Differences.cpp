@@ -2,7 +2,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
 #include <cstdlib>
 #include <initializer_list>
 #include <string_view>
@@ -10,7 +9,6 @@
 
 using namespace NuvXML;
 using xercesc_3_0::DOMNode;
-using xercesc_3_0::DOMText;
 
 namespace Tool
 {
@@ -34,47 +32,16 @@ struct Place
     Nuv::UniString source;
 };
 
-std::u16string_view ValueOf(const DOMNode* node)
+Place PlaceOf(Document& document, const DOMNode* node, const DOMNode* otherNode)
 {
-    const XMLCh* const value = node->getNodeValue();
-    return value ? std::u16string_view(value) : std::u16string_view();
-}
-
-bool IsText(const DOMNode* node) { return node && dynamic_cast<const DOMText*>(node); }
-
-/// Where two texts begin to differ, white space at their starts apart.
-std::pair<size_t, size_t> FirstMismatch(std::u16string_view left, std::u16string_view right)
-{
-    constexpr std::u16string_view Blanks = u" \t\r\n";
-    const size_t leftStart = std::min(left.find_first_not_of(Blanks), left.size());
-    const size_t rightStart = std::min(right.find_first_not_of(Blanks), right.size());
-    const auto mismatch = std::mismatch(left.begin() + static_cast<std::ptrdiff_t>(leftStart), left.end(),
-                                        right.begin() + static_cast<std::ptrdiff_t>(rightStart), right.end());
-    return {static_cast<size_t>(mismatch.first - left.begin()),
-            static_cast<size_t>(mismatch.second - right.begin())};
-}
-
-/// The line on which `node` is, and in long text that on which it begins to differ.
-unsigned int LineOf(Document& document, const DOMNode* node, size_t mismatch)
-{
-    return IsText(node) && mismatch < ValueOf(node).size()
-               ? document.Places().LineOf(static_cast<const DOMText*>(node), mismatch)
-               : document.Places().LineOf(node);
-}
-
-Place PlaceOf(Document& document, const DOMNode* node, size_t mismatch)
-{
-    const unsigned int line = LineOf(document, node, mismatch);
+    const unsigned int line = document.Places().LineOfDifference(node, otherNode);
     return {document.Name(), line, document.Places().PathOf(node), document.SourceLine(line)};
 }
 
 std::pair<Place, Place> PlacesOf(const XMLDifference& difference, Document& left, Document& right)
 {
-    std::pair<size_t, size_t> mismatch(0, 0);
-    if (IsText(difference.left) && IsText(difference.right))
-        mismatch = FirstMismatch(ValueOf(difference.left), ValueOf(difference.right));
-    return {PlaceOf(left, difference.left, mismatch.first),
-            PlaceOf(right, difference.right, mismatch.second)};
+    return {PlaceOf(left, difference.left, difference.right),
+            PlaceOf(right, difference.right, difference.left)};
 }
 
 class SilentReporter : public DifferenceReporter

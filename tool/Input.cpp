@@ -95,32 +95,6 @@ class FileStream : public xercesc_3_0::BinInputStream
     XMLFilePos position = 0;
 };
 
-/// Nothing for text that cannot be decoded; it has been parsed before, so that is rare.
-std::u16string Decoded(const std::string& bytes, const XMLCh* encoding)
-try
-{
-    const std::string encodingName = encoding ? Nuv::UniString(encoding).ToUTF8() : "UTF-8";
-    const xercesc_3_0::TranscodeFromStr decoded(reinterpret_cast<const XMLByte*>(bytes.data()), bytes.size(),
-                                                encodingName.c_str());
-    return std::u16string(decoded.str(), decoded.length());
-}
-catch (const xercesc_3_0::XMLException&)
-{
-    return {};
-}
-
-/// The starts of the lines, as XML counts them: CR LF is one end of a line, as is each of them alone.
-std::vector<size_t> LineStarts(std::u16string_view text)
-{
-    std::vector<size_t> starts{0};
-    for (size_t i = 0; i < text.size(); ++i)
-        if (text[i] == u'\n' || (text[i] == u'\r' && (i + 1 == text.size() || text[i + 1] != u'\n')))
-            starts.push_back(i + 1);
-    return starts;
-}
-
-bool IsFirstHalf(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
-
 } // namespace
 
 std::string DisplayName(const std::string& path) { return path == StandardInput ? "(standard input)" : path; }
@@ -165,40 +139,19 @@ NuvXML::XercesPtr<DOMDocument> ParseAll(ValidatingXMLParser& parser, const std::
         createEntityRefNodes, Nuv::UniString::FromUTF8(path), locations, &place, &message));
 }
 
-SourceText::SourceText(const std::string& bytes, const DOMDocument& document)
-    : text(Decoded(bytes, document.getInputEncoding()))
-    , starts(LineStarts(text))
-{
-}
-
-Nuv::UniString SourceText::Line(unsigned int number) const
-{
-    if (number == 0 || number > starts.size())
-        return {};
-    const size_t start = starts[number - 1];
-    const size_t end = number < starts.size() ? starts[number] : text.size();
-    Nuv::UniString line(std::u16string_view(text).substr(start, end - start));
-    if (number == 1)
-        line.ReplaceAll(u"\uFEFF", u"");
-    line.Trim();
-    constexpr size_t MaxLength = 200;
-    if (line.GetLength() <= MaxLength)
-        return line;
-    const std::u16string_view cut = line.View().substr(0, MaxLength);
-    return Nuv::UniString(cut.substr(0, IsFirstHalf(cut.back()) ? MaxLength - 1 : MaxLength)) + u" ...";
-}
-
 std::string FaultText(const std::string& file, unsigned int line, const Nuv::UniString& message)
 {
     return file + ":" + (line != 0 ? std::to_string(line) + ":" : "") + " " + Printable(message);
 }
 
-Document::Document(const std::string& path, bool createEntityRefNodes, bool trusted)
+Document::Document(const std::string& path, bool createEntityRefNodes, bool trusted,
+                   const ValidatingXMLParser::ParsedNodes& parsedNodes)
     : name(DisplayName(path))
     , bytes(ReadAll(path))
 {
     ValidatingXMLParser parser;
     parser.SetLimits(LimitsFor(trusted));
+    parser.SetParsedNodes(parsedNodes);
     NodeLocationInfo place;
     Nuv::UniString message;
     document = ParseAll(parser, path, bytes, ValidatingXMLParser::LineInfoParser::Val_Never,

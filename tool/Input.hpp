@@ -6,6 +6,7 @@
 #include "NuvXMLUtils/NodeLocations.hpp"
 #include "NuvXMLUtils/NodePlaces.hpp"
 #include "NuvXMLUtils/ParserLimits.hpp"
+#include "NuvXMLUtils/SourceText.hpp"
 #include "NuvXMLUtils/ValidatingXMLParser.hpp"
 #include "NuvXMLUtils/Xerces.hpp"
 
@@ -15,7 +16,6 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace Tool
 {
@@ -54,27 +54,13 @@ NuvXML::XercesPtr<xercesc_3_0::DOMDocument> ParseAll(ValidatingXMLParser& parser
                                                      bool createEntityRefNodes, NodeLocations* locations,
                                                      NodeLocationInfo& place, Nuv::UniString& message);
 
-/// The lines of a document's source.
-class SourceText
-{
-  public:
-    SourceText(const std::string& bytes, const xercesc_3_0::DOMDocument& document);
-
-    /// A line, counted from 1, without the white space at its ends; a long one is cut. Empty when there is
-    /// no such line.
-    Nuv::UniString Line(unsigned int number) const;
-
-  private:
-    std::u16string text;
-    std::vector<size_t> starts;
-};
-
 /// A document that has been read, with all that can be told of its nodes.
 class Document
 {
   public:
     /// @throws Trouble, in the form `file:line: message` when the text is not well formed
-    Document(const std::string& path, bool createEntityRefNodes, bool trusted);
+    Document(const std::string& path, bool createEntityRefNodes, bool trusted,
+             const ValidatingXMLParser::ParsedNodes& parsedNodes = {});
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;
     ~Document();
@@ -90,7 +76,7 @@ class Document
     NodeLocations locations;
     NuvXML::XercesPtr<xercesc_3_0::DOMDocument> document;
     NuvXML::NodePlaces places{&locations};
-    std::optional<SourceText> source; ///< made when it is needed
+    std::optional<NuvXML::SourceText> source; ///< made when it is needed
 };
 
 /// `file:line: message`, as compilers write it; without the line when it is not known.

@@ -15,7 +15,7 @@
 ///     - Wall/Height
 ///     Text node values "275" and "276" don't match.
 /// expected (left), line 1, /Wall/Height/text(): <Wall><Height>275</Height></Wall>
-/// actual (right), line 3, /Wall/Height/text():     <Height>276</Height>
+/// actual (right), line 3, /Wall/Height/text(): <Height>276</Height>
 /// ```
 ///
 /// What is equal is up to the options (XMLCompareOptions.hpp). The standard ones take names and words for
@@ -34,6 +34,7 @@
 
 #include "NuvRoot/UniString.hpp"
 #include "NuvXMLUtils/NodePlaces.hpp"
+#include "NuvXMLUtils/SourceText.hpp"
 #include "NuvXMLUtils/ValidatingXMLParser.hpp"
 #include "NuvXMLUtils/XMLCompare.hpp"
 #include "NuvXMLUtils/XMLDifferences.hpp"
@@ -41,18 +42,12 @@
 #include <gmock/gmock.h>
 
 #include <xercesc/dom/DOMNode.hpp>
-#include <xercesc/dom/DOMText.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
-#include <xercesc/framework/XMLRecognizer.hpp>
 #include <xercesc/sax/HandlerBase.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
-#include <xercesc/util/PlatformUtils.hpp>
-#include <xercesc/util/TransService.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
-#include <algorithm>
 #include <concepts>
-#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -109,18 +104,6 @@ struct Text
     Nuv::UniString systemId;         ///< what names of external entities are relative to
 };
 
-/// Takes CDATA sections for text, and passes over comments and processing instructions.
-class Parser : public ValidatingXMLParser::LineInfoParser
-{
-  public:
-    void docCharacters(const XMLCh* chars, XMLSize_t length, bool) override
-    {
-        LineInfoParser::docCharacters(chars, length, false);
-    }
-    void docComment(const XMLCh*) override {}
-    void docPI(const XMLCh*, const XMLCh*) override {}
-};
-
 /// One side of a comparison, and where its nodes stand.
 class Document
 {
@@ -134,9 +117,10 @@ class Document
         if (source.encoding)
             input.setEncoding(source.encoding);
         xercesc_3_0::HandlerBase errorHandler; // throws fatal errors
-        Parser parser;
+        ValidatingXMLParser::LineInfoParser parser;
         parser.setErrorHandler(&errorHandler);
-        parser.setValidationScheme(Parser::Val_Never);
+        parser.setValidationScheme(ValidatingXMLParser::LineInfoParser::Val_Never);
+        parser.SetParsedNodes({.cdataSections = false, .comments = false});
         parser.setCreateEntityReferenceNodes(false);
         parser.SetNodeLocations(&lines);
         try
@@ -161,65 +145,14 @@ class Document
     /// other side.
     std::string Describe(const xercesc_3_0::DOMNode* node, const xercesc_3_0::DOMNode* otherSide)
     {
-        const auto* const text = dynamic_cast<const xercesc_3_0::DOMText*>(node);
-        const auto* const otherText = dynamic_cast<const xercesc_3_0::DOMText*>(otherSide);
-        const unsigned int line =
-            text && otherText
-                ? places.LineOf(text, FirstDifference(text->getNodeValue(), otherText->getNodeValue()))
-                : places.LineOf(node);
-        return "line " + std::to_string(line) + ", " + places.PathOf(node).ToUTF8() + ": " + SourceLine(line);
+        const unsigned int line = places.LineOfDifference(node, otherSide);
+        const SourceText lineText =
+            source.encoding ? SourceText(source.bytes, source.encoding) : SourceText(source.bytes, *document);
+        return "line " + std::to_string(line) + ", " + places.PathOf(node).ToUTF8() + ": " +
+               lineText.Line(line).ToUTF8();
     }
 
   private:
-    static constexpr size_t LongestShown = 200;
-
-    static size_t FirstDifference(std::u16string_view text, std::u16string_view otherText)
-    {
-        const size_t start = BeginOf(text);
-        const size_t otherStart = BeginOf(otherText);
-        size_t same = 0;
-        while (start + same < text.size() && otherStart + same < otherText.size() &&
-               text[start + same] == otherText[otherStart + same])
-            ++same;
-        return start + same;
-    }
-
-    static size_t BeginOf(std::u16string_view text)
-    {
-        return std::min(text.find_first_not_of(u" \t\r\n"), text.size());
-    }
-
-    std::string SourceLine(unsigned int number) const
-    {
-        const xercesc_3_0::TranscodeFromStr decoded(reinterpret_cast<const XMLByte*>(source.bytes.data()),
-                                                    source.bytes.size(), EncodingName().ToUTF8().c_str());
-        const std::u16string_view line = LineAt(number, {decoded.str(), decoded.length()});
-        return Nuv::UniString(line.substr(0, LongestShown)).ToUTF8() +
-               (line.size() > LongestShown ? "..." : "");
-    }
-
-    Nuv::UniString EncodingName() const
-    {
-        if (source.encoding)
-            return source.encoding;
-        const auto probed = xercesc_3_0::XMLRecognizer::basicEncodingProbe(
-            reinterpret_cast<const XMLByte*>(source.bytes.data()), source.bytes.size());
-        return probed == xercesc_3_0::XMLRecognizer::UTF_8
-                   ? document->getInputEncoding()
-                   : xercesc_3_0::XMLRecognizer::nameForEncoding(
-                         probed, xercesc_3_0::XMLPlatformUtils::fgMemoryManager);
-    }
-
-    static std::u16string_view LineAt(unsigned int number, std::u16string_view text)
-    {
-        for (; number > 1; --number)
-        {
-            text.remove_prefix(std::min(text.find_first_of(u"\r\n"), text.size()));
-            text.remove_prefix(std::min<size_t>(text.starts_with(u"\r\n") ? 2 : 1, text.size()));
-        }
-        return text.substr(0, text.find_first_of(u"\r\n"));
-    }
-
     const Text& source;
     NodeLocations lines;
     NodePlaces places{&lines};

@@ -51,8 +51,8 @@ TEST(Wall, FailsWithBothLines)
                              "\t- Wall/Height\n"
                              "\t- Wall/Height\n"
                              "\tText node values \"275\" and \"276\" don't match.\n"
-                             "expected (left), line 5, /Wall/Height/text():     <Height>275</Height>\n"
-                             "actual (right), line 4, /Wall/Height/text(): \t<Height>276</Height>");
+                             "expected (left), line 5, /Wall/Height/text(): <Height>275</Height>\n"
+                             "actual (right), line 4, /Wall/Height/text(): <Height>276</Height>");
 }
 
 //! [options]

@@ -147,6 +147,21 @@ TEST_F(NodePlacesTest, TellsTheLineOfACharacterInTextThatIsParsedInPieces)
     EXPECT_EQ(places.LineOf(text), 10002u);
 }
 
+TEST_F(NodePlacesTest, TellsTheLineOnWhichTextsBeginToDiffer)
+{
+    Load("<p>\n  <a>\n  first\n  second\n</a>\n  <a>first\n  third\n</a><a>first</a><b/></p>");
+    const DOMNode* const longText = ChildAt(Root(), 1)->getFirstChild();
+    const DOMNode* const otherText = ChildAt(Root(), 3)->getFirstChild();
+    const DOMNode* const shortText = ChildAt(Root(), 4)->getFirstChild();
+    EXPECT_EQ(places.LineOfDifference(longText, otherText), 4u);
+    EXPECT_EQ(places.LineOfDifference(otherText, longText), 7u);
+    EXPECT_EQ(places.LineOfDifference(longText, shortText), 3u);
+    EXPECT_EQ(places.LineOfDifference(shortText, longText), 8u);
+    EXPECT_EQ(places.LineOfDifference(longText, ChildAt(Root(), 5)), places.LineOf(longText));
+    EXPECT_EQ(places.LineOfDifference(longText, nullptr), places.LineOf(longText));
+    EXPECT_EQ(places.LineOfDifference(nullptr, longText), 0u);
+}
+
 TEST_F(NodePlacesTest, GivesANodeThatWasNotRecordedTheLineOfItsParent)
 {
     Load("<p>\n<a>\n<?pi?></a></p>");

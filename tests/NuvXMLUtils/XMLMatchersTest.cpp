@@ -136,8 +136,8 @@ TEST(EqualsXML, TellsTheReportAndBothLines)
               "\t- Wall/Height\n"
               "\t- Wall/Height\n"
               "\tText node values \"275\" and \"276\" don't match.\n"
-              "expected (left), line 3, /Wall/Height/text():     <Height>275</Height>\n"
-              "actual (right), line 2, /Wall/Height/text(): \t<Height>276</Height>");
+              "expected (left), line 3, /Wall/Height/text(): <Height>275</Height>\n"
+              "actual (right), line 2, /Wall/Height/text(): <Height>276</Height>");
 }
 
 TEST(EqualsXML, TellsWhereAnAttributeIsMissing)
@@ -171,10 +171,10 @@ TEST(EqualsXML, ShowsLinesInUTF8AndTheirBeginningWhereTheyAreLong)
     const std::string wide = std::string("\xFF\xFE<\0a\0>\0\xE8\0<\0/\0a\0>\0", 18);
     EXPECT_THAT(Explanation(EqualsXML(latin), wide),
                 testing::EndsWith("expected (left), line 2, /a/text(): <a>\xC3\xA9</a>\n"
-                                  "actual (right), line 1, /a/text(): \xEF\xBB\xBF<a>\xC3\xA8</a>"));
+                                  "actual (right), line 1, /a/text(): <a>\xC3\xA8</a>"));
     EXPECT_THAT(
         Explanation(EqualsXML("<a/>"), Nuv::UniString(u"<a>\u00E9" + std::u16string(500, u'x') + u"</a>")),
-        testing::EndsWith("/a/text(): <a>\xC3\xA9" + std::string(196, 'x') + "..."));
+        testing::EndsWith("/a/text(): <a>\xC3\xA9" + std::string(196, 'x') + " ..."));
 }
 
 /// Pairs the last child on the left with the first on the right.

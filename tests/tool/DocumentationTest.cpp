@@ -80,4 +80,41 @@ TEST(ToolCompletion, LeavesFilesToBash)
     EXPECT_THAT(CompletionsOf("nuvxml print some"), testing::IsEmpty());
 }
 
+/// A session as the manual shows it, done again: lines that begin with "$ " are commands, run by one shell.
+std::string DoneAgain(const std::string& session)
+{
+    std::istringstream lines(session);
+    std::string script = "cd '" EXAMPLES_FOLDER "/tool'; PATH=\"${0%/*}:$PATH\"; exec 2>&1\n";
+    for (std::string line; std::getline(lines, line);)
+        if (line.rfind("$ ", 0) == 0)
+            script += "status=$?; printf '%s\\n' '" + line + "'; (exit $status)\n" + line.substr(2) + "\n";
+    return NuvTest::RunProcess({"bash", "-c", script, NUVXML_PROGRAM}).output;
+}
+
+class ToolSessions : public testing::TestWithParam<const char*>
+{
+};
+
+TEST_P(ToolSessions, WriteWhatTheManualShows)
+{
+    const std::string session = Contents((std::string(EXAMPLES_FOLDER "/tool/") + GetParam()).c_str());
+    EXPECT_THAT(session, testing::StartsWith("$ nuvxml "));
+    EXPECT_EQ(DoneAgain(session), session);
+}
+
+INSTANTIATE_TEST_SUITE_P(Manual, ToolSessions,
+                         testing::Values("compare.txt", "folders.txt", "json.txt", "others.txt"));
+
+TEST(Readme, ShowsWhatTheToolWrites)
+{
+    const std::string command =
+        "nuvxml compare examples/comparison/before.xml examples/comparison/after.xml\n";
+    const NuvTest::ProcessResult result = NuvTest::RunProcess(
+        {"sh", "-c", "cd '" EXAMPLES_FOLDER "/..'; PATH=\"${0%/*}:$PATH\"; " + command, NUVXML_PROGRAM});
+    const std::string readme = Contents(EXAMPLES_FOLDER "/../README.md");
+    EXPECT_THAT(readme, HasSubstr(command));
+    EXPECT_FALSE(result.output.empty());
+    EXPECT_THAT(readme, HasSubstr(result.output));
+}
+
 } // namespace
