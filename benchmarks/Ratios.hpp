@@ -60,12 +60,21 @@ inline void Expect(bool condition, const char* otherwise)
         throw std::runtime_error(otherwise);
 }
 
-/// Shows the benchmarks as usual and keeps the median of each one's processor times.
+/// What is measured: processor time, which other work on the machine disturbs less, or the time that passes,
+/// where the work is not the process's alone.
+enum class Clock
+{
+    Processor,
+    Wall
+};
+
+/// Shows the benchmarks as usual and keeps the median of each one's times.
 class MedianCollector : public benchmark::ConsoleReporter
 {
   public:
-    MedianCollector()
+    explicit MedianCollector(Clock whichClock)
         : ConsoleReporter(OO_Tabular)
+        , clock(whichClock)
     {
     }
 
@@ -73,7 +82,8 @@ class MedianCollector : public benchmark::ConsoleReporter
     {
         for (const Run& run : runs)
             if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median")
-                medians[run.run_name.function_name] = run.GetAdjustedCPUTime();
+                medians[run.run_name.function_name] =
+                    clock == Clock::Wall ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
         ConsoleReporter::ReportRuns(runs);
     }
 
@@ -87,6 +97,7 @@ class MedianCollector : public benchmark::ConsoleReporter
     double RatioOf(const Limit& limit) const { return MedianOf(limit.ours) / MedianOf(limit.peer); }
 
   private:
+    Clock clock;
     std::map<std::string, double> medians;
 };
 
@@ -125,7 +136,7 @@ inline std::vector<char*> InitializeBenchmark(int argc, char** argv)
 inline bool PrintRatios(const std::vector<Limit>& limits, const MedianCollector& collector)
 {
     bool allWithinLimits = true;
-    std::printf("\n%-90s %8s %8s\n", "Ratio of the median processor times", "is", "at most");
+    std::printf("\n%-90s %8s %8s\n", "Ratio of the median times", "is", "at most");
     for (const Limit& limit : limits)
     {
         const double ratio = collector.RatioOf(limit);
@@ -158,13 +169,18 @@ inline void WriteFigures(const char* path, const std::vector<Candidate>& candida
 /// writes the figures into the file that the program's argument names, if there is one, and returns 1 when a
 /// ratio is above its limit or could not be measured.
 inline int RunAndCompare(int argc, char** argv, const std::vector<Candidate>& candidates,
-                         const std::vector<Limit>& limits)
+                         const std::vector<Limit>& limits, Clock clock = Clock::Processor)
 {
     for (const Candidate& candidate : candidates)
-        benchmark::RegisterBenchmark(candidate.FullName().c_str(), Measure, candidate)
-            ->Unit(benchmark::kMillisecond);
+    {
+        auto* const registered =
+            benchmark::RegisterBenchmark(candidate.FullName().c_str(), Measure, candidate);
+        registered->Unit(benchmark::kMillisecond);
+        if (clock == Clock::Wall)
+            registered->UseRealTime();
+    }
     const std::vector<char*> arguments = InitializeBenchmark(argc, argv);
-    MedianCollector collector;
+    MedianCollector collector(clock);
     benchmark::RunSpecifiedBenchmarks(&collector);
     if (arguments.size() > 1)
         WriteFigures(arguments[1], candidates, limits, collector);
