@@ -3,8 +3,8 @@
 /// stream.
 ///
 /// None of them reports errors of its own: exceptions of the formatter, its target and the channel pass
-/// through; lack of memory is the application's exception or that of Xerces. An exception leaves the beginning
-/// of the event written, perhaps nothing. A writer serves one document and one thread.
+/// through; lack of memory is the application's exception or that of Xerces. An exception leaves the
+/// beginning of the event written, perhaps nothing. A writer serves one document and one thread.
 ///
 /// Half a surrogate pair, of which Xerces' formatters make something else or never come to an end, is written
 /// as it is in UTF-16 and as a reference to its own number elsewhere. A pair that arrives in two calls of
