@@ -4,11 +4,14 @@
 #include "NuvRoot/SharedObject.hpp"
 #include "NuvXMLUtils/XMLCompare.hpp"
 
+#include <xercesc/dom/DOMNamedNodeMap.hpp>
+
 #include <memory>
 
 using xercesc_3_0::DOMAttr;
 using xercesc_3_0::DOMDocument;
 using xercesc_3_0::DOMElement;
+using xercesc_3_0::DOMNamedNodeMap;
 using xercesc_3_0::DOMNode;
 using xercesc_3_0::DOMNodeFilter;
 
@@ -22,9 +25,11 @@ struct SearchEnd
 {
 };
 
-const DOMNode* AttributeOf(const DOMNode* element, const Nuv::UniString& name)
+/// Null for a node that has no such attribute, or is no element.
+const DOMNode* AttributeOf(const DOMNode* node, const Nuv::UniString& name)
 {
-    return static_cast<const DOMElement*>(element)->getAttributeNode(name.ToUTF16());
+    const DOMNamedNodeMap* const attributes = node->getAttributes();
+    return attributes ? attributes->getNamedItem(name.ToUTF16()) : nullptr;
 }
 
 } // namespace
@@ -108,24 +113,30 @@ class DifferenceSearch : public IXMLCompareOptions
         catch (const AttributeMissingException& difference)
         {
             const Nuv::UniString name = difference.GetAttributeName();
-            if (difference.GetWhereItIsMissing() == XMLCompareException::Left)
-                Report(difference, left, AttributeOf(right, name));
-            else
-                Report(difference, AttributeOf(left, name), right);
-            reportedAttributes.insert(name);
-            return false;
+            const bool isOnRight = difference.GetWhereItIsMissing() == XMLCompareException::Left;
+            return !ReportAttribute(difference, name, isOnRight ? left : AttributeOf(left, name),
+                                    isOnRight ? AttributeOf(right, name) : right);
         }
         catch (const AttributesDontMatchException& difference)
         {
             const Nuv::UniString name = difference.GetAttributeName();
-            Report(difference, AttributeOf(left, name), AttributeOf(right, name));
-            reportedAttributes.insert(name);
-            return false;
+            return !ReportAttribute(difference, name, AttributeOf(left, name), AttributeOf(right, name));
         }
         catch (const XMLCompareException& difference)
         {
             Report(difference, left, right);
         }
+        return true;
+    }
+
+    /// @return whether there may be more to report of the pair. What the caller's options throw about an
+    /// attribute they throw again, for AcceptAttribute does not keep them from it.
+    bool ReportAttribute(const XMLCompareException& exception, const Nuv::UniString& name,
+                         const DOMNode* left, const DOMNode* right)
+    {
+        if (!reportedAttributes.insert(name).second)
+            return false;
+        Report(exception, left, right);
         return true;
     }
 

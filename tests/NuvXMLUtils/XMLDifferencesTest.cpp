@@ -149,6 +149,43 @@ TEST(FindDifferences, FollowsTheMarkersOfTheDocuments)
                             R"(/a/d/text() /a/d/text() Text node values "1" and "1.0" don't match.)"));
 }
 
+TEST(FindDifferences, GivesOnceWhatTheOptionsThrowAboutAnAttribute)
+{
+    class WantingId : public StrictOrderAutoValueCompareOptions
+    {
+        WantingId* Clone() const override { return new WantingId(*this); }
+        XMLNodeComparator* PrepareNodeComparator(const DOMElement* left, const DOMElement* right) override
+        {
+            if (!right->hasAttribute(u"id"))
+                throw AttributeMissingException(left, right, left->getAttributeNode(u"id"), Right);
+            return new XMLCompareStrictOrder;
+        }
+        bool AcceptAttribute(const DOMAttr*) const override { return false; }
+    };
+    EXPECT_THAT(
+        Differences("<a id='1'><b id='2'/><b id='3'/></a>", "<a id='1'><b/><b id='4'/></a>", WantingId()),
+        ElementsAre(R"(/a/b[1]/@id /a/b[1] Missing attribute "id" on the right.)"));
+    EXPECT_THAT(Differences("<a id='1'/>", "<a/>", WantingId()),
+                ElementsAre(R"(/a/@id /a Missing attribute "id" on the right.)"));
+}
+
+TEST(FindDifferences, GivesNullForAnAttributeOfNodesThatAreNoElements)
+{
+    /// Compares instructions as if they had attributes.
+    class WithInstructions : public StrictOrderAutoValueCompareOptions
+    {
+        WithInstructions* Clone() const override { return new WithInstructions(*this); }
+        void CompareSpecialTypeNodes(const DOMNode* left, const DOMNode* right) override
+        {
+            const DOMAttr* const attribute =
+                left->getOwnerDocument()->getDocumentElement()->getAttributeNode(u"k");
+            throw AttributesDontMatchException(left, right, attribute, attribute);
+        }
+    };
+    EXPECT_THAT(Differences("<a k='1'><?p?></a>", "<a k='1'><?p?></a>", WithInstructions()),
+                ElementsAre(R"(  Values of attribute "k" don't match: "1" and "1".)"));
+}
+
 /// A random tree of few names and values, so that two of them often agree in places.
 std::string RandomTree(std::mt19937& random, int depth)
 {
