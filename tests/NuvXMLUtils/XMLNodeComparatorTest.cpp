@@ -4,6 +4,7 @@
 
 #include <xercesc/dom/DOMEntityReference.hpp>
 
+#include <initializer_list>
 #include <string>
 #include <utility>
 #include <vector>
@@ -84,6 +85,95 @@ TEST(CompareAttributes, TakesAnAttributeThatBeginsWithAnEntityReferenceForAnEmpt
     attribute->appendChild(static_cast<DOMNode*>(byHand->createEntityReference(u"x")));
     byHand->getDocumentElement()->setAttributeNode(attribute);
     EXPECT_NO_THROW(Compare(byHand, Parse("<a k=''/>")));
+}
+
+TEST(CompareAttributes, ComparesTheFirstTextOfAnAttributeOnly)
+{
+    const Document byHand = Parse("<a/>");
+    DOMAttr* const attribute = byHand->createAttribute(u"k");
+    attribute->appendChild(byHand->createTextNode(u"x"));
+    attribute->appendChild(static_cast<DOMNode*>(byHand->createEntityReference(u"y")));
+    attribute->appendChild(byHand->createTextNode(u"z"));
+    byHand->getDocumentElement()->setAttributeNode(attribute);
+    EXPECT_NO_THROW(Compare(byHand, Parse("<a k='x'/>")));
+    EXPECT_NO_THROW(Compare(Parse("<a k='x'/>"), byHand));
+    EXPECT_THROW(Compare(byHand, Parse("<a k='xz'/>")), AttributesDontMatchException);
+}
+
+TEST(CompareAttributes, ComparesElementsWhereverTheyAreFrom)
+{
+    const Document parsed = Parse("<a k='1' j='2'/>");
+    const DOMElement* const element = parsed->getDocumentElement();
+    const Document other = EmptyDocument();
+    const auto* const imported = static_cast<const DOMElement*>(other->importNode(element, true));
+    const auto* const cloned = static_cast<const DOMElement*>(element->cloneNode(true));
+    DOMElement* const made = other->createElementNS(u"n", u"p:a");
+    made->setAttribute(u"k", u"1");
+    made->setAttributeNS(nullptr, u"j", u"2");
+    for (const DOMElement* const twin : std::initializer_list<const DOMElement*>{imported, cloned, made})
+    {
+        EXPECT_NO_THROW(XMLNodeComparator::CompareAttributes(element, twin, Standard()));
+        EXPECT_NO_THROW(XMLNodeComparator::CompareAttributes(twin, element, Standard()));
+    }
+    made->setAttributeNS(u"n", u"p:more", u"");
+    EXPECT_THROW(XMLNodeComparator::CompareAttributes(imported, made, Standard()), AttributeMissingException);
+}
+
+TEST(CompareAttributes, ReportsTheFirstOfTheLeftThatDiffersThenTheFirstThatOnlyTheRightHas)
+{
+    const auto reportFor = [](const char* left, const char* right)
+    {
+        try
+        {
+            Compare(left, right);
+        }
+        catch (const XMLCompareException& difference)
+        {
+            const std::string report = difference.GetText().ToUTF8();
+            return report.substr(report.rfind('\t') + 1);
+        }
+        return std::string("none");
+    };
+    // Xerces gives attributes in the order of their names.
+    EXPECT_EQ(reportFor("<e z='1' b='1' a='9'/>", "<e a='8' b='2' z='2'/>"),
+              R"(Values of attribute "a" don't match: "9" and "8".)");
+    EXPECT_EQ(reportFor("<e c='1' b='1'/>", "<e c='2' a='1'/>"), R"(Missing attribute "b" on the right.)");
+    EXPECT_EQ(reportFor("<e c='1' b='1'/>", "<e b='2' a='1'/>"),
+              R"(Values of attribute "b" don't match: "1" and "2".)");
+    EXPECT_EQ(reportFor("<e k='1'/>", "<e z='1' k='1' b='1' a='1'/>"),
+              R"(Missing attribute "a" on the left.)");
+}
+
+TEST(CompareAttributes, AsksAboutEachOfTheLeftAndThoseOfTheRightThatWereNotCompared)
+{
+    class Asking : public Standard
+    {
+      public:
+        explicit Asking(std::string& questions)
+            : asked(questions)
+        {
+        }
+
+      protected:
+        Asking* Clone() const override { return new Asking(*this); }
+        bool AcceptAttribute(const DOMAttr* attribute) const override
+        {
+            asked += Nuv::UniString(attribute->getName()).ToUTF8() + "? ";
+            return Nuv::UniString(attribute->getValue()) != u"no";
+        }
+        XMLValueComparator* GetAttributeValueComparator(const DOMAttr* attribute) const override
+        {
+            asked += Nuv::UniString(attribute->getValue()).ToUTF8() + "! ";
+            return new XMLCompareAuto;
+        }
+
+      private:
+        std::string& asked;
+    };
+    std::string asked;
+    EXPECT_NO_THROW(
+        Compare("<e d='4' c='no' b='2.0' a='no'/>", "<e a='no' b='2' d='4.0' e='no'/>", Asking(asked)));
+    EXPECT_EQ(asked, "a? b? 2.0! c? d? 4! a? e? ");
 }
 
 TEST(CompareAttributes, ComparesQualifiedNames)
