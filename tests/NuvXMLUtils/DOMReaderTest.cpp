@@ -172,14 +172,23 @@ TEST(DOMReader, ThrowsWhenAFileCannotBeParsed)
 
 TEST(DOMReader, ValidatesWhenThereIsADTD)
 {
-    EXPECT_THROW(TextReader("<!DOCTYPE r [<!ELEMENT r EMPTY>]><r>text</r>"), DOMReaderException);
-    EXPECT_NO_THROW(TextReader("<!DOCTYPE r [<!ELEMENT r ANY>]><r>text</r>"));
+    const ScratchFolder scratch;
+    const std::string_view invalid = "<!DOCTYPE r [<!ELEMENT r EMPTY>]><r>text</r>";
+    const std::string_view valid = "<!DOCTYPE r [<!ELEMENT r ANY>]><r>text</r>";
+    EXPECT_THROW(TextReader{invalid}, DOMReaderException);
+    EXPECT_THROW(DOMReader{IO::Location(scratch.Write("invalid.xml", invalid))}, DOMReaderException);
+    EXPECT_NO_THROW(TextReader{valid});
+    EXPECT_NO_THROW(DOMReader{IO::Location(scratch.Write("valid.xml", valid))});
 }
 
 TEST(DOMReader, ReadsDocumentsWithEntityReferenceNodes)
 {
-    TextReader reader("<!DOCTYPE r [<!ELEMENT r ANY><!ENTITY e 'x'>]><r>&e;</r>");
-    EXPECT_EQ(reader.GetActualNode()->getFirstChild()->getNodeType(), DOMNode::ENTITY_REFERENCE_NODE);
+    const ScratchFolder scratch;
+    const std::string_view text = "<!DOCTYPE r [<!ELEMENT r ANY><!ENTITY e 'x'>]><r>&e;</r>";
+    const auto hasReference = [](DOMReader&& reader)
+    { return reader.GetActualNode()->getFirstChild()->getNodeType() == DOMNode::ENTITY_REFERENCE_NODE; };
+    EXPECT_TRUE(hasReference(TextReader(text)));
+    EXPECT_TRUE(hasReference(DOMReader(IO::Location(scratch.Write("a.xml", text)))));
 }
 
 TEST(DOMReader, LeavesPrefixesInNames)

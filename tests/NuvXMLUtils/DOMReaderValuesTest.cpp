@@ -531,6 +531,18 @@ TEST(DOMReaderAttributes, MayConsistOfSeveralTexts)
     EXPECT_EQ(value, UniString());
 }
 
+TEST(DOMReaderAttributes, HaveTheTextOfAnEntityThatTheyReferTo)
+{
+    TextReader reader("<!DOCTYPE r [<!ELEMENT r ANY><!ENTITY e '12'>]><r>&e;</r>");
+    xercesc_3_0::DOMElement& root = *reader.GetActualNode();
+    xercesc_3_0::DOMAttr* const attribute = root.getOwnerDocument()->createAttribute(u"v");
+    attribute->appendChild(root.getFirstChild()->cloneNode(true));
+    root.setAttributeNode(attribute);
+    int value = 0;
+    EXPECT_EQ(reader.ReadXMLAttr("v", value), 0);
+    EXPECT_EQ(value, 12);
+}
+
 TEST(DOMReaderAttributes, AreReadThroughTheFormsForLong)
 {
     TextReader reader("<r a='-9223372036854775808' b='18446744073709551615'/>");

@@ -176,6 +176,20 @@ TEST(CompareAttributes, AsksAboutEachOfTheLeftAndThoseOfTheRightThatWereNotCompa
     EXPECT_EQ(asked, "a? b? 2.0! c? d? 4! a? e? ");
 }
 
+TEST(CompareAttributes, PassesOverAnAttributeThatTheOptionsTakeAway)
+{
+    class Removing : public Standard
+    {
+        Removing* Clone() const override { return new Removing(*this); }
+        bool AcceptAttribute(const DOMAttr* attribute) const override
+        {
+            attribute->getOwnerElement()->removeAttribute(u"stamp");
+            return true;
+        }
+    };
+    EXPECT_NO_THROW(Compare("<a k='1' l='1' stamp='2'/>", "<a k='1' l='1'/>", Removing()));
+}
+
 TEST(CompareAttributes, ComparesQualifiedNames)
 {
     ExpectDifferent<AttributeMissingException>("<a xmlns:p='u' p:k='1'/>", "<a xmlns:p='u' k='1'/>");
