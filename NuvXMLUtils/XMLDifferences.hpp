@@ -24,7 +24,7 @@ struct XMLDifference
 
     /// The nodes that differ. An attribute that one side lacks is given with the element that lacks it; where
     /// one element has more children, its first child too many is given with the other element. Null for a
-    /// document without a document element.
+    /// document without a document element, and where options tell of an attribute that a node does not have.
     const xercesc_3_0::DOMNode* left;
     const xercesc_3_0::DOMNode* right;
 };
