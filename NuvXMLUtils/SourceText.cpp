@@ -76,9 +76,8 @@ Nuv::UniString SourceText::Line(unsigned int number) const
         return {};
     const size_t start = starts[number - 1];
     const size_t end = number < starts.size() ? starts[number] : text.size();
-    Nuv::UniString line(std::u16string_view(text).substr(start, end - start));
-    line.Trim();
-    return line.GetLength() <= MaxLineLength ? line : Nuv::UniString(Cut(line.View())) + u" ...";
+    const std::u16string_view line = Nuv::Trimmed(std::u16string_view(text).substr(start, end - start));
+    return line.size() <= MaxLineLength ? Nuv::UniString(line) : Nuv::UniString(Cut(line)) + u" ...";
 }
 
 } // namespace NuvXML

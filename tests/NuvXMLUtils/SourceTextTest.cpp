@@ -72,6 +72,15 @@ TEST(SourceText, KnowsTheByteOrderOfUTF16)
     }
 }
 
+TEST(SourceText, TakesNoLongerForALongLine)
+{
+    const std::string bytes = "<a>" + std::string(10'000'000, 'b') + "</a>";
+    const auto document = Parse(bytes);
+    const SourceText source(bytes, *document);
+    for (int i = 0; i < 100'000; ++i)
+        ASSERT_EQ(source.Line(1).GetLength(), SourceText::MaxLineLength + 4);
+}
+
 TEST(SourceText, TakesAnEncodingThatIsKnown)
 {
     EXPECT_EQ(SourceText("\xE9", u"ISO-8859-1").Line(1).ToUTF8(), "\xC3\xA9");
