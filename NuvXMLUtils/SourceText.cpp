@@ -14,11 +14,12 @@ namespace
 {
 
 /// A document knows the encoding that it declares; which of several byte orders that is, the bytes tell.
+/// Which code page of EBCDIC it is they do not.
 const XMLCh* EncodingOf(std::string_view bytes, const xercesc_3_0::DOMDocument& document)
 {
     const auto probed =
         XMLRecognizer::basicEncodingProbe(reinterpret_cast<const XMLByte*>(bytes.data()), bytes.size());
-    if (probed != XMLRecognizer::UTF_8)
+    if (probed != XMLRecognizer::UTF_8 && probed != XMLRecognizer::EBCDIC)
         return XMLRecognizer::nameForEncoding(probed, xercesc_3_0::XMLPlatformUtils::fgMemoryManager);
     const XMLCh* const declared = document.getInputEncoding();
     return declared ? declared : xercesc_3_0::XMLUni::fgUTF8EncodingString;

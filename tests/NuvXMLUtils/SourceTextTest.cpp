@@ -55,6 +55,15 @@ TEST(SourceText, DecodesWhatTheDocumentDeclares)
     EXPECT_EQ(LineOf("\xEF\xBB\xBF<a>\xC3\xA9</a>", 1), "<a>\xC3\xA9</a>");
 }
 
+TEST(SourceText, DecodesAMainframeCodePage)
+{
+    EXPECT_EQ(LineOf("\x4C\x6F\xA7\x94\x93\x40\xA5\x85\x99\xA2\x89\x96\x95\x7E\x7F\xF1\x4B\xF0\x7F\x40"
+                     "\x85\x95\x83\x96\x84\x89\x95\x87\x7E\x7F\xC9\xC2\xD4\xF0\xF3\xF7\x7F\x6F\x6E"
+                     "\x25\x4C\x81\x6E\x51\x4C\x61\x81\x6E",
+                     2),
+              "<a>\xC3\xA9</a>");
+}
+
 TEST(SourceText, KnowsTheByteOrderOfUTF16)
 {
     for (const char16_t* text :
