@@ -121,10 +121,14 @@ std::vector<std::string> OptionNamesOf(const CLI::App& app)
 
 void WriteCompletion(const CLI::App& app)
 {
-    std::cout << "# bash completion of nuvxml\n"
-                 "_nuvxml() {\n"
-                 "  local current=\"${COMP_WORDS[COMP_CWORD]}\" words=\n"
-                 "  case \"${COMP_WORDS[COMP_CWORD-1]}\" in\n";
+    std::cout
+        << "# bash completion of nuvxml\n"
+           "_nuvxml() {\n"
+           "  local current=\"${COMP_WORDS[COMP_CWORD]}\" previous=\"${COMP_WORDS[COMP_CWORD-1]}\" words=\n"
+           "  # --option=value is three words\n"
+           "  [[ $current == = ]] && current=\n"
+           "  [[ $previous == = ]] && previous=\"${COMP_WORDS[COMP_CWORD-2]}\"\n"
+           "  case \"$previous\" in\n";
     for (const CLI::App* command : CommandsOf(app))
         for (const CLI::Option* option : command->get_options())
             if (const auto choices = ChoicesOf(option->get_type_name()); !choices.empty())

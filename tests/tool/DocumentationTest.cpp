@@ -73,6 +73,9 @@ TEST(ToolCompletion, OffersTheWordsThatAnOptionTakes)
     EXPECT_THAT(CompletionsOf("nuvxml compare 1.xml 2.xml --format "),
                 testing::UnorderedElementsAre("json", "text"));
     EXPECT_THAT(CompletionsOf("nuvxml compare --color a"), testing::UnorderedElementsAre("always", "auto"));
+    // Bash makes three words of it.
+    EXPECT_THAT(CompletionsOf("nuvxml compare --color = a"), testing::UnorderedElementsAre("always", "auto"));
+    EXPECT_THAT(CompletionsOf("nuvxml compare --format ="), testing::UnorderedElementsAre("json", "text"));
 }
 
 TEST(ToolCompletion, LeavesFilesToBash)
