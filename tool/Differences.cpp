@@ -71,8 +71,8 @@ class TextReporter : public DifferenceReporter
 
     void ReportMissing(const std::string& present, const std::string& missing, bool) override
     {
-        output.Write(Joined({"Missing file: ", Shown(missing), "\n"}));
-        output.Write(Joined({Colored(Shown(present), Bold), ": has no counterpart\n"}));
+        output.Write(Joined({"Missing file: ", PrintableName(missing), "\n"}));
+        output.Write(Joined({Colored(PrintableName(present), Bold), ": has no counterpart\n"}));
     }
 
     void ReportTotals(const std::string& totals) override { output.Write(totals + "\n"); }
@@ -82,11 +82,6 @@ class TextReporter : public DifferenceReporter
     static constexpr const char* Green = "32";
     static constexpr const char* Bold = "1";
 
-    static std::string Shown(const std::string& fileName)
-    {
-        return Printable(Nuv::UniString::FromUTF8(fileName));
-    }
-
     std::string Colored(const std::string& text, const char* color) const
     {
         return colored ? Joined({"\x1B[", color, "m", text, "\x1B[0m"}) : text;
@@ -94,7 +89,7 @@ class TextReporter : public DifferenceReporter
 
     void Write(const Place& place, const char* color)
     {
-        std::string where = Shown(place.file);
+        std::string where = PrintableName(place.file);
         if (place.line != 0)
             where.append(":").append(std::to_string(place.line));
         output.Write(Joined({Colored(where, Bold), ": ", Printable(place.path), "\n"}));

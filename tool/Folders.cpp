@@ -31,18 +31,31 @@ bool HasExtension(const fs::path& file, const std::vector<std::string>& extensio
                        });
 }
 
+/// Not fs::recursive_directory_iterator, which does not tell which folder it cannot read.
+void AddFilesBelow(const fs::path& folder, const std::vector<std::string>& extensions,
+                   std::vector<fs::path>& files)
+{
+    std::error_code brokenLink;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder))
+        if (entry.is_regular_file(brokenLink) && HasExtension(entry.path(), extensions))
+            files.push_back(entry.path());
+        else if (entry.is_directory(brokenLink) && !entry.is_symlink())
+            AddFilesBelow(entry.path(), extensions, files);
+}
+
 std::set<std::string> FilesBelow(const std::string& folder, const std::vector<std::string>& extensions)
 try
 {
+    std::vector<fs::path> files;
+    AddFilesBelow(folder, extensions, files);
     std::set<std::string> names;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder))
-        if (entry.is_regular_file() && HasExtension(entry.path(), extensions))
-            names.insert(entry.path().lexically_relative(folder).string());
+    for (const fs::path& file : files)
+        names.insert(file.lexically_relative(folder).string());
     return names;
 }
 catch (const fs::filesystem_error& error)
 {
-    throw FileTrouble(error.path1().empty() ? folder : error.path1().string(), error.code().value());
+    throw FileTrouble(error.path1().string(), error.code().value());
 }
 
 } // namespace

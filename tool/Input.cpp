@@ -22,6 +22,14 @@ namespace Tool
 namespace
 {
 
+/// Of a document that is parsed from memory.
+constexpr size_t MaxSize = std::numeric_limits<unsigned int>::max();
+
+Trouble TooLarge(const std::string& path)
+{
+    return Trouble(FaultText(DisplayName(path), 0, u"a document of 4 GiB or more can only be echoed"));
+}
+
 /// An open file, or standard input, which stays open.
 class OpenFile
 {
@@ -105,11 +113,15 @@ std::string ReadAll(const std::string& path)
     std::error_code unknown;
     const auto size = std::filesystem::file_size(path, unknown);
     constexpr size_t BlockSize = 0x10000;
+    if (!unknown && size > MaxSize)
+        throw TooLarge(path);
     std::string bytes(unknown ? BlockSize : static_cast<size_t>(size) + 1, '\0'); // one more, to see the end
     size_t used = 0;
     while (const size_t count = file.Read(bytes.data() + used, bytes.size() - used))
     {
         used += count;
+        if (used > MaxSize)
+            throw TooLarge(path);
         if (used == bytes.size())
             bytes.resize(2 * used);
     }
@@ -132,8 +144,6 @@ NuvXML::XercesPtr<DOMDocument> ParseAll(ValidatingXMLParser& parser, const std::
                                         bool createEntityRefNodes, NodeLocations* locations,
                                         NodeLocationInfo& place, Nuv::UniString& message)
 {
-    if (bytes.size() > std::numeric_limits<unsigned int>::max())
-        throw Trouble(DisplayName(path) + ": a document of 4 GiB or more can only be echoed");
     return NuvXML::XercesPtr<DOMDocument>(parser.Parse(
         reinterpret_cast<const unsigned char*>(bytes.data()), static_cast<unsigned int>(bytes.size()), scheme,
         createEntityRefNodes, Nuv::UniString::FromUTF8(path), locations, &place, &message));
@@ -141,7 +151,8 @@ NuvXML::XercesPtr<DOMDocument> ParseAll(ValidatingXMLParser& parser, const std::
 
 std::string FaultText(const std::string& file, unsigned int line, const Nuv::UniString& message)
 {
-    return file + ":" + (line != 0 ? std::to_string(line) + ":" : "") + " " + Printable(message);
+    return PrintableName(file) + ":" + (line != 0 ? std::to_string(line) + ":" : "") + " " +
+           Printable(message);
 }
 
 Document::Document(const std::string& path, bool createEntityRefNodes, bool trusted,

@@ -27,7 +27,7 @@ constexpr const char* StandardInput = "-";
 std::string DisplayName(const std::string& path);
 
 /// All bytes of a file, or of standard input.
-/// @throws Trouble
+/// @throws Trouble, also when they are more than can be parsed at once
 std::string ReadAll(const std::string& path);
 
 /// A file, or standard input, as a source of Xerces that is read as it is parsed.
@@ -47,7 +47,6 @@ class FileSource : public xercesc_3_0::InputSource
 ParserLimits LimitsFor(bool trusted);
 
 /// Parses the bytes of a file. Null, with the reason, when that fails.
-/// @throws Trouble when they are too many
 NuvXML::XercesPtr<xercesc_3_0::DOMDocument> ParseAll(ValidatingXMLParser& parser, const std::string& path,
                                                      const std::string& bytes,
                                                      ValidatingXMLParser::ValSchemes scheme,
@@ -79,7 +78,7 @@ class Document
     std::optional<NuvXML::SourceText> source; ///< made when it is needed
 };
 
-/// `file:line: message`, as compilers write it; without the line when it is not known.
+/// `file:line: message`, as compilers write it, for a terminal; without the line when it is not known.
 std::string FaultText(const std::string& file, unsigned int line, const Nuv::UniString& message);
 
 } // namespace Tool

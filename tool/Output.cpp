@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 #include <utility>
@@ -47,7 +48,7 @@ int OpenFor(const fs::path& target, fs::path& written)
 
 Trouble FileTrouble(std::string_view file, int error)
 {
-    return Trouble(std::string(file) + ": " + std::generic_category().message(error));
+    return Trouble(PrintableName(file) + ": " + std::generic_category().message(error));
 }
 
 Output::Output(int openDescriptor, std::string nameForMessages)
@@ -120,6 +121,15 @@ std::string Printable(const Nuv::UniString& text)
         if ((unit < u' ' && unit != u'\t' && unit != u'\n') || (unit >= 0x7F && unit < 0xA0))
             unit = Replacement;
     return Nuv::UniString(printable).ToUTF8();
+}
+
+std::string PrintableName(std::string_view name)
+{
+    std::string line(name);
+    std::replace_if(
+        line.begin(), line.end(), [](char character) { return character == '\t' || character == '\n'; },
+        '\x1A');
+    return Printable(Nuv::UniString::FromUTF8(line));
 }
 
 } // namespace Tool

@@ -67,4 +67,7 @@ class OutputFile
 /// Text as a terminal may have it: control characters, but for tabs and line feeds, are replaced.
 std::string Printable(const Nuv::UniString& text);
 
+/// The name of a file as a terminal may have it, on one line.
+std::string PrintableName(std::string_view name);
+
 } // namespace Tool

@@ -87,6 +87,37 @@ TEST_F(CompareFoldersTest, PassesOverFilesOfOtherExtensions)
     EXPECT_EQ(CompareFolders({"--extension", ".PROJECT", "--quiet"}).status, Findings);
 }
 
+TEST_F(CompareFoldersTest, PassesOverLinksThatLeadNowhere)
+{
+    WriteBoth("1.xml", "<a/>", "<a/>");
+    std::filesystem::create_symlink("nowhere.xml", PathOf("left/2.xml"));
+    std::filesystem::create_symlink("3.xml", PathOf("left/3.xml"));
+    const ProcessResult result = CompareFolders();
+    EXPECT_EQ(result.output, "1 equal, 0 different, 0 missing, 0 in trouble\n");
+    EXPECT_THAT(result.errors, IsEmpty());
+}
+
+TEST_F(CompareFoldersTest, NamesTheFolderThatItCannotRead)
+{
+    std::string name = "left";
+    for (int i = 0; i < 100; ++i)
+        name += "/below";
+    Write(name + "/1.xml", "<a/>");
+    const ProcessResult result =
+        NuvTest::RunProcess({"sh", "-c", "ulimit -n 50; exec \"$0\" compare \"$1\" \"$2\"", NUVXML_PROGRAM,
+                             PathOf("left"), PathOf("right")});
+    EXPECT_EQ(result.status, Failure);
+    EXPECT_THAT(result.errors, testing::MatchesRegex("nuvxml: .*/left/below/.*below: Too many open files\n"));
+}
+
+TEST_F(CompareFoldersTest, ShowsNamesOnOneLine)
+{
+    Write("left/1\n\t\x1B[31m.xml", "<a/>");
+    EXPECT_EQ(CompareFolders().output, "Missing file: right/1���[31m.xml\n"
+                                       "left/1���[31m.xml: has no counterpart\n"
+                                       "0 equal, 0 different, 1 missing, 0 in trouble\n");
+}
+
 TEST_F(CompareFoldersTest, GoesOnBehindAFileThatCannotBeRead)
 {
     WriteBoth("1.xml", "<a>", "<a/>");
