@@ -4,7 +4,10 @@
 
 #include <cmath>
 #include <map>
+#include <memory>
+#include <sstream>
 #include <string>
+#include <utility>
 
 namespace Tool
 {
@@ -14,6 +17,42 @@ namespace
 const std::map<std::string, OutputFormat> Formats{{"json", OutputFormat::JSON}, {"text", OutputFormat::Text}};
 const std::map<std::string, ColorChoice> ColorChoices{
     {"always", ColorChoice::Always}, {"auto", ColorChoice::Auto}, {"never", ColorChoice::Never}};
+
+/// For names that a script may have left empty by mistake.
+CLI::Validator Named()
+{
+    return {[](const std::string& text) { return std::string(text.empty() ? "must not be empty" : ""); }, ""};
+}
+
+/// Help that fits into a terminal of 80 columns.
+class NarrowFormatter : public CLI::Formatter
+{
+  public:
+    std::string make_help(const CLI::App* command, std::string name, CLI::AppFormatMode mode) const override
+    {
+        std::istringstream help(CLI::Formatter::make_help(command, std::move(name), mode));
+        std::string result;
+        for (std::string line; std::getline(help, line);)
+            result += Broken(line) + "\n";
+        return result;
+    }
+
+  private:
+    /// Breaks a line; descriptions go on below their beginnings.
+    std::string Broken(std::string line) const
+    {
+        constexpr size_t Width = 80;
+        const size_t indentation = line.starts_with("  ") ? get_column_width() : 0;
+        std::string result;
+        while (line.size() > Width)
+        {
+            const size_t end = line.rfind(' ', Width);
+            result += line.substr(0, end) + "\n";
+            line.replace(0, end + 1, indentation, ' ');
+        }
+        return result + line;
+    }
+};
 
 /// An option whose value is one of `words`.
 template <class Value>
@@ -56,6 +95,7 @@ CommandLine::CommandLine()
 {
     app.set_version_flag("--version", "nuvxml " NUVXML_VERSION);
     app.require_subcommand(1);
+    app.formatter(std::make_shared<NarrowFormatter>());
     app.footer("The exit status is 0 for success, 1 for differences or faults found, 2 for trouble.\n"
                "'nuvxml COMMAND --help' tells the options of a command.");
     AddCompare();
@@ -106,7 +146,7 @@ void CommandLine::AddCompare()
               "How to show differences: json is one object a line");
     AddChoice(command, "--color", compare.color, ColorChoices, "When to use colors; auto obeys NO_COLOR");
     command.footer(
-        "Elements are paired by position. Values are compared as numbers where both are numbers, else as\n"
+        "Elements are paired by position. Values are compared as numbers where both are numbers, else as "
         "text without regard to case. A CDATA section is the text that it holds.");
 }
 
@@ -116,9 +156,11 @@ void CommandLine::AddPrint()
     command.add_option("FILE", print.file, "A file, or - for standard input")->required()->type_name("");
     command
         .add_option("--encoding", print.encoding, "The encoding to print in, instead of that of the document")
-        ->type_name("E");
+        ->type_name("E")
+        ->check(Named());
     command.add_option("-o,--output", print.output, "Write to this file, which may be FILE itself")
-        ->type_name("OUT");
+        ->type_name("OUT")
+        ->check(Named());
     command.footer("Characters that the encoding lacks are printed as character references.");
 }
 
@@ -127,7 +169,9 @@ void CommandLine::AddValidate()
     CLI::App& command = *AddCommand(
         "validate", "Show the faults of documents, one a line: file:line: message", validate, Validate);
     command.add_option("FILE", validate.files, "Files, or - for standard input")->required()->type_name("");
-    command.add_option("--schema", validate.schema, "An XML Schema to validate against")->type_name("XSD");
+    command.add_option("--schema", validate.schema, "An XML Schema to validate against")
+        ->type_name("XSD")
+        ->check(Named());
     command.footer(
         "Without a schema, documents are validated against the document type definition that they have.");
 }

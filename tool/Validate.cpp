@@ -4,6 +4,7 @@
 
 #include "InputOutput/Location.hpp"
 
+#include <algorithm>
 #include <iostream>
 
 namespace Tool
@@ -42,8 +43,9 @@ void LoadSchema(ValidatingXMLParser& parser, const std::string& schema)
 {
     NodeLocationInfo place;
     Nuv::UniString message;
-    if (!parser.LoadSchema(IO::Location(Nuv::UniString::FromUTF8(schema)), &place, &message))
-        throw Trouble(FaultText(schema, place.lineNumber, message));
+    const std::string& file = schema == StandardInput ? "/dev/stdin" : schema;
+    if (!parser.LoadSchema(IO::Location(Nuv::UniString::FromUTF8(file)), &place, &message))
+        throw Trouble(FaultText(DisplayName(schema), place.lineNumber, message));
 }
 
 /// Shows the faults of a file and gives their number.
@@ -84,6 +86,10 @@ catch (const Trouble& trouble)
 
 ExitStatus Validate(const ValidateSettings& settings, Output& output)
 {
+    const auto readings = std::count(settings.files.begin(), settings.files.end(), StandardInput) +
+                          (settings.schema == StandardInput ? 1 : 0);
+    if (readings > 1)
+        throw Trouble("standard input can be read once only");
     ValidatingXMLParser parser;
     parser.SetLimits(LimitsFor(settings.trusted));
     if (!settings.schema.empty())

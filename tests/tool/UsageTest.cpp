@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <filesystem>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -28,6 +30,51 @@ TEST_F(UsageTest, ShowsHelpWhenAsked)
         EXPECT_THAT(result.output, HasSubstr(std::string("\n  ") + name + " "));
     EXPECT_THAT(Run({"compare", "--help"}).output, HasSubstr("--ignore-attribute NAME"));
     EXPECT_THAT(Run({"--version"}).output, testing::MatchesRegex("nuvxml [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+TEST_F(UsageTest, ShowsHelpThatFitsIntoATerminal)
+{
+    for (const std::vector<std::string>& arguments : {std::vector<std::string>{"--help"},
+                                                      {"compare", "--help"},
+                                                      {"print", "--help"},
+                                                      {"validate", "--help"},
+                                                      {"echo", "--help"},
+                                                      {"lines", "--help"}})
+    {
+        std::istringstream help(Run(arguments).output);
+        for (std::string line; std::getline(help, line);)
+            EXPECT_LE(line.size(), 80) << line;
+    }
+    EXPECT_THAT(
+        Run({"validate", "--help"}).output,
+        HasSubstr("\n  --trusted                   Follow references to other files and the network,\n"
+                  "                              and set no limits\n"));
+}
+
+TEST_F(UsageTest, RefusesAnEmptyName)
+{
+    const std::string file = Write("1.xml", "<a/>");
+    EXPECT_THAT(Run({"validate", file, "--schema", ""}).errors, StartsWith("--schema: must not be empty\n"));
+    EXPECT_THAT(Run({"print", file, "--encoding", ""}).errors, StartsWith("--encoding: must not be empty\n"));
+    EXPECT_THAT(Run({"print", file, "--output", ""}).errors, StartsWith("--output: must not be empty\n"));
+    EXPECT_EQ(Run({"lines", ""}).errors, "nuvxml: : No such file or directory\n");
+}
+
+TEST_F(UsageTest, ShowsTheNameOfAFileOnOneLine)
+{
+    const std::string file = Write("1\n\x1B[31m.xml", "<a></b>");
+    EXPECT_EQ(Run({"validate", file}).output,
+              "1��[31m.xml:1: expected end of tag 'a'\n1 file, 1 fault in 1\n");
+    EXPECT_EQ(Run({"echo", file + "\n"}).errors, "nuvxml: 1��[31m.xml�: No such file or directory\n");
+}
+
+TEST_F(UsageTest, RefusesAFileThatIsTooLargeToBeParsedAtOnceBeforeItReadsIt)
+{
+    const std::string file = Write("1.xml", "");
+    std::filesystem::resize_file(file, 1'000'000'000'000);
+    for (const char* name : {"print", "lines"})
+        EXPECT_EQ(Run({name, file}).errors,
+                  "nuvxml: 1.xml: a document of 4 GiB or more can only be echoed\n");
 }
 
 TEST_F(UsageTest, NamesWhatIsWrongWithTheArguments)

@@ -1,6 +1,7 @@
 #include "ToolTest.hpp"
 
 #include <string>
+#include <vector>
 
 namespace
 {
@@ -22,6 +23,25 @@ TEST_F(ValidateTest, FindsNoFaultInAValidDocument)
     EXPECT_EQ(result.status, Success);
     EXPECT_EQ(result.output, "1 file, no faults\n");
     EXPECT_THAT(result.errors, IsEmpty());
+}
+
+TEST_F(ValidateTest, TakesTheSchemaFromStandardInput)
+{
+    const std::string file = Write("1.xml", "<wall height='high'/>");
+    EXPECT_EQ(Run({"validate", "--schema", "-", file}, Schema).status, Findings);
+    EXPECT_THAT(Run({"validate", "--schema", "-", file}, "<xs:schema>").errors,
+                testing::StartsWith("nuvxml: (standard input):1: "));
+}
+
+TEST_F(ValidateTest, ReadsStandardInputOnce)
+{
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"validate", "-", "-"}, {"validate", "--schema", "-", "-"}})
+    {
+        const ProcessResult result = Run(arguments, "<a/>");
+        EXPECT_EQ(result.status, Failure);
+        EXPECT_EQ(result.errors, "nuvxml: standard input can be read once only\n");
+    }
 }
 
 TEST_F(ValidateTest, ShowsEveryFaultOfEveryFileAsCompilersDo)
