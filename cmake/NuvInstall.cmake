@@ -13,6 +13,14 @@ install(FILES
   COMPONENT development)
 install(EXPORT NuvXMLUtilsTargets NAMESPACE Nuv:: DESTINATION "${package_folder}" COMPONENT development)
 
+# The file finds the prefix by its own place, wherever it is installed; but pkg-config passes over the folders of the
+# system only where they are written out.
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set(pkg_config_prefix "/usr")
+else()
+  string(REGEX REPLACE "[^/]+" ".." pkg_config_prefix "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+  string(PREPEND pkg_config_prefix "\${pcfiledir}/")
+endif()
 configure_file(cmake/nuvxmlutils.pc.in nuvxmlutils.pc @ONLY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/nuvxmlutils.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
   COMPONENT development)
