@@ -3,6 +3,7 @@
 #pragma once
 
 #include <benchmark/benchmark.h>
+#include <sys/resource.h>
 
 #include <cmath>
 #include <cstdio>
@@ -24,6 +25,13 @@ enum class Whose
     Peers
 };
 
+/// Who does the work: whose processor time is measured.
+enum class DoneBy
+{
+    ThisProcess,
+    ItsChildren
+};
+
 /// One way to do the work of the program on one input.
 struct Candidate
 {
@@ -33,6 +41,8 @@ struct Candidate
 
     /// Does the work once; throws when the result cannot be right.
     std::function<void()> run;
+
+    DoneBy doneBy = DoneBy::ThisProcess;
 
     std::string FullName() const { return input + "/" + name; }
 };
@@ -60,21 +70,12 @@ inline void Expect(bool condition, const char* otherwise)
         throw std::runtime_error(otherwise);
 }
 
-/// What is measured: processor time, which other work on the machine disturbs less, or the time that passes,
-/// where the work is not the process's alone.
-enum class Clock
-{
-    Processor,
-    Wall
-};
-
-/// Shows the benchmarks as usual and keeps the median of each one's times.
+/// Shows the benchmarks as usual and keeps the median of each one's processor times.
 class MedianCollector : public benchmark::ConsoleReporter
 {
   public:
-    explicit MedianCollector(Clock whichClock)
+    MedianCollector()
         : ConsoleReporter(OO_Tabular)
-        , clock(whichClock)
     {
     }
 
@@ -82,8 +83,9 @@ class MedianCollector : public benchmark::ConsoleReporter
     {
         for (const Run& run : runs)
             if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median")
-                medians[run.run_name.function_name] =
-                    clock == Clock::Wall ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
+                medians[run.run_name.function_name] = run.run_name.time_type == "manual_time"
+                                                          ? run.GetAdjustedRealTime()
+                                                          : run.GetAdjustedCPUTime();
         ConsoleReporter::ReportRuns(runs);
     }
 
@@ -97,9 +99,18 @@ class MedianCollector : public benchmark::ConsoleReporter
     double RatioOf(const Limit& limit) const { return MedianOf(limit.ours) / MedianOf(limit.peer); }
 
   private:
-    Clock clock;
     std::map<std::string, double> medians;
 };
+
+/// In seconds, of the children that have ended.
+inline double ProcessorTimeOfChildren()
+{
+    rusage usage{};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    const auto seconds = [](const timeval& time)
+    { return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6; };
+    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
 
 /// The first run, which makes ready what all runs use, is not measured.
 inline void Measure(benchmark::State& state, const Candidate& candidate)
@@ -108,7 +119,12 @@ inline void Measure(benchmark::State& state, const Candidate& candidate)
     {
         candidate.run();
         for (auto _ : state)
+        {
+            const double start = candidate.doneBy == DoneBy::ItsChildren ? ProcessorTimeOfChildren() : 0;
             candidate.run();
+            if (candidate.doneBy == DoneBy::ItsChildren)
+                state.SetIterationTime(ProcessorTimeOfChildren() - start);
+        }
     }
     catch (const std::exception& exception)
     {
@@ -136,7 +152,7 @@ inline std::vector<char*> InitializeBenchmark(int argc, char** argv)
 inline bool PrintRatios(const std::vector<Limit>& limits, const MedianCollector& collector)
 {
     bool allWithinLimits = true;
-    std::printf("\n%-90s %8s %8s\n", "Ratio of the median times", "is", "at most");
+    std::printf("\n%-90s %8s %8s\n", "Ratio of the median processor times", "is", "at most");
     for (const Limit& limit : limits)
     {
         const double ratio = collector.RatioOf(limit);
@@ -169,18 +185,18 @@ inline void WriteFigures(const char* path, const std::vector<Candidate>& candida
 /// writes the figures into the file that the program's argument names, if there is one, and returns 1 when a
 /// ratio is above its limit or could not be measured.
 inline int RunAndCompare(int argc, char** argv, const std::vector<Candidate>& candidates,
-                         const std::vector<Limit>& limits, Clock clock = Clock::Processor)
+                         const std::vector<Limit>& limits)
 {
     for (const Candidate& candidate : candidates)
     {
         auto* const registered =
-            benchmark::RegisterBenchmark(candidate.FullName().c_str(), Measure, candidate);
-        registered->Unit(benchmark::kMillisecond);
-        if (clock == Clock::Wall)
-            registered->UseRealTime();
+            benchmark::RegisterBenchmark(candidate.FullName().c_str(), Measure, candidate)
+                ->Unit(benchmark::kMillisecond);
+        if (candidate.doneBy == DoneBy::ItsChildren)
+            registered->UseManualTime();
     }
     const std::vector<char*> arguments = InitializeBenchmark(argc, argv);
-    MedianCollector collector(clock);
+    MedianCollector collector;
     benchmark::RunSpecifiedBenchmarks(&collector);
     if (arguments.size() > 1)
         WriteFigures(arguments[1], candidates, limits, collector);

@@ -46,8 +46,8 @@ for it goes through the same pairs with Xerces' walkers and looks at no attribut
 comparison; what is measured compares names, attributes in their order and texts as they stand, without numbers,
 tolerances, case, filters or messages."""),
     "CompareFiles": ("Comparing files by the tool", """
-Two equal files are compared by `nuvxml compare`, a process of its own, and by one process that parses both with
-their lines and compares them. This is the time that passes: the tool parses both files at once."""),
+Two equal files are read, parsed with the lines of their nodes, and compared, each time by a new process. The tool parses
+both at once, which its processor time does not show."""),
     "WriteChannel": ("Writing through the output channel", """
 400,000 values are written and exported as UTF-8. The bare calls make the same nodes and use the same serializer.
 pugixml does less: it is given its texts in UTF-8, and does not check names and characters."""),
