@@ -96,7 +96,7 @@ class LimitedSAX2Reader : public SAX2XMLReaderImpl
                       const XMLCh* elemPrefix, const xercesc_3_0::RefVectorOf<xercesc_3_0::XMLAttr>& attrList,
                       XMLSize_t attrCount, bool isEmpty, bool isRoot) override
     {
-        guard.StartElement(attrList, attrCount);
+        guard.StartElement(declaration, attrList, attrCount);
         SAX2XMLReaderImpl::startElement(declaration, urlId, elemPrefix, attrList, attrCount, isEmpty, isRoot);
         if (isEmpty) // which the base then ends by itself
             guard.EndElement();
@@ -139,6 +139,18 @@ class LimitedSAX2Reader : public SAX2XMLReaderImpl
     {
         guard.EntityDeclaration(declaration, isPEDecl);
         SAX2XMLReaderImpl::entityDecl(declaration, isPEDecl, isIgnored);
+    }
+
+    void notationDecl(const xercesc_3_0::XMLNotationDecl& declaration, bool isIgnored) override
+    {
+        guard.NotationDeclaration();
+        SAX2XMLReaderImpl::notationDecl(declaration, isIgnored);
+    }
+
+    void startEntityReference(const xercesc_3_0::XMLEntityDecl& declaration) override
+    {
+        guard.StartEntity(declaration);
+        SAX2XMLReaderImpl::startEntityReference(declaration);
     }
 
     xercesc_3_0::InputSource* resolveEntity(xercesc_3_0::XMLResourceIdentifier* identifier) override

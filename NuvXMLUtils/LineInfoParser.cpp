@@ -71,13 +71,15 @@ void ValidatingXMLParser::LineInfoParser::startElement(
     bool isRoot)
 {
     if (guard)
-        guard->StartElement(attrList, attrCount);
+        guard->StartElement(declaration, attrList, attrCount);
     XercesDOMParser::startElement(declaration, urlId, elemPrefix, attrList, attrCount, isEmpty, isRoot);
     InsertNodeLocInfo();
 }
 
 void ValidatingXMLParser::LineInfoParser::startEntityReference(const xercesc_3_0::XMLEntityDecl& declaration)
 {
+    if (guard)
+        guard->StartEntity(declaration);
     XercesDOMParser::startEntityReference(declaration);
     InsertNodeLocInfo();
 }
@@ -128,6 +130,14 @@ void ValidatingXMLParser::LineInfoParser::entityDecl(const xercesc_3_0::DTDEntit
     if (guard)
         guard->EntityDeclaration(declaration, isPEDecl);
     XercesDOMParser::entityDecl(declaration, isPEDecl, isIgnored);
+}
+
+void ValidatingXMLParser::LineInfoParser::notationDecl(const xercesc_3_0::XMLNotationDecl& declaration,
+                                                       bool isIgnored)
+{
+    if (guard)
+        guard->NotationDeclaration();
+    XercesDOMParser::notationDecl(declaration, isIgnored);
 }
 
 xercesc_3_0::InputSource*

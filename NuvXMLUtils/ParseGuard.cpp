@@ -5,8 +5,10 @@
 #include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLURL.hpp>
 
+#include <algorithm>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 namespace NuvXML
 {
@@ -19,15 +21,6 @@ using Nuv::UniString;
 UniString LimitText(size_t limit) { return UniString(u"the limit of ") + UniString(std::to_string(limit)); }
 
 UniString Quoted(const XMLCh* text) { return UniString(u"'") + UniString(text) + u"'"; }
-
-/// Whether the text of an entity refers to another one; a reference to a character does not count.
-bool HasReference(std::u16string_view text)
-{
-    for (size_t at = text.find(u'&'); at != text.npos; at = text.find(u'&', at + 1))
-        if (text.substr(at + 1, 1) != u"#")
-            return true;
-    return false;
-}
 
 bool IsEmpty(const XMLCh* text) { return !text || !*text; }
 
@@ -56,7 +49,8 @@ void ParseGuard::StartDocument()
 {
     depth = 0;
     defaultAttributes = 0;
-    referringEntities = 0;
+    declarations = 0;
+    expandedContent = 0;
     hasDefaultAttributes = false;
     hasEntities = false;
 }
@@ -67,8 +61,9 @@ void ParseGuard::DocumentType() const
         Refuse(u"document types are forbidden");
 }
 
-void ParseGuard::StartAttributeList(const xercesc_3_0::DTDElementDecl& element) const
+void ParseGuard::StartAttributeList(const xercesc_3_0::DTDElementDecl& element)
 {
+    CountDeclaration();
     if (hasEntities && RefusesExpansionInDocumentType())
         Refuse(UniString(u"attributes must be declared before entities where entity expansion is limited; "
                          u"the list of element ") +
@@ -77,6 +72,10 @@ void ParseGuard::StartAttributeList(const xercesc_3_0::DTDElementDecl& element) 
 
 void ParseGuard::AttributeDeclaration(const xercesc_3_0::DTDAttDef& attribute)
 {
+    CountDeclaration();
+    if (attribute.getEnumeration())
+        CheckDeclarationLength(xercesc_3_0::XMLString::stringLen(attribute.getEnumeration()),
+                               u"list of values of attribute ", attribute.getFullName());
     if (!attribute.getValue())
         return;
     hasDefaultAttributes = true;
@@ -84,17 +83,20 @@ void ParseGuard::AttributeDeclaration(const xercesc_3_0::DTDAttDef& attribute)
                            attribute.getFullName());
 }
 
-void ParseGuard::ElementDeclaration(const xercesc_3_0::DTDElementDecl& element) const
+void ParseGuard::ElementDeclaration(const xercesc_3_0::DTDElementDecl& element)
 {
+    CountDeclaration();
     if (limits.maxDeclarationLength == ParserLimits::Unlimited)
         return;
     const XMLCh* const contentModel = element.getFormattedContentModel();
-    CheckDeclarationLength(xercesc_3_0::XMLString::stringLen(contentModel), u"content model of element ",
-                           element.getFullName());
+    const size_t length = xercesc_3_0::XMLString::stringLen(contentModel);
+    CheckDeclarationLength(length, u"content model of element ", element.getFullName());
+    CheckStates({contentModel, length}, element.getFullName());
 }
 
 void ParseGuard::EntityDeclaration(const xercesc_3_0::DTDEntityDecl& entity, bool isParameterEntity)
 {
+    CountDeclaration();
     if (isParameterEntity && RefusesExpansionInDocumentType())
         Refuse(UniString(u"parameter entities are forbidden where entity expansion is limited; the document "
                          u"declares ") +
@@ -103,8 +105,14 @@ void ParseGuard::EntityDeclaration(const xercesc_3_0::DTDEntityDecl& entity, boo
     if (entity.isExternal())
         return;
     CheckDeclarationLength(entity.getValueLen(), u"text of entity ", entity.getName());
-    if (HasReference({entity.getValue(), entity.getValueLen()}))
-        CountReferringEntity();
+}
+
+void ParseGuard::StartEntity(const xercesc_3_0::XMLEntityDecl& entity)
+{
+    expandedContent += entity.getValueLen();
+    if (expandedContent > limits.maxExpandedContent)
+        Refuse(UniString(u"entities put more characters into the document than ") +
+               LimitText(limits.maxExpandedContent));
 }
 
 void ParseGuard::ExternalEntity(const xercesc_3_0::XMLResourceIdentifier& entity) const
@@ -121,10 +129,30 @@ bool ParseGuard::RefusesExpansionInDocumentType() const
     return limits.maxEntityExpansions != ParserLimits::Unlimited && !limits.allowExpansionInDocumentType;
 }
 
-void ParseGuard::CountReferringEntity()
+void ParseGuard::CountDeclaration()
 {
-    if (++referringEntities > limits.maxNesting)
-        Refuse(UniString(u"more entities refer to others than ") + LimitText(limits.maxNesting));
+    if (++declarations > limits.maxDeclarations)
+        Refuse(UniString(u"the document type declares more than ") + LimitText(limits.maxDeclarations));
+}
+
+/// Each state is a set of places at which the same name stands.
+void ParseGuard::CheckStates(std::u16string_view contentModel, const XMLCh* name) const
+{
+    std::unordered_map<std::u16string_view, size_t> statesOfName;
+    size_t states = 0;
+    while (!contentModel.empty())
+    {
+        const std::u16string_view word = contentModel.substr(0, contentModel.find_first_of(u"(),|?*+ "));
+        contentModel.remove_prefix(std::min(word.size() + 1, contentModel.size()));
+        if (word.empty())
+            continue;
+        size_t& statesHere = statesOfName.try_emplace(word, 1).first->second;
+        states += statesHere;
+        statesHere *= 2;
+        if (states > limits.maxDeclarationLength)
+            Refuse(UniString(u"the content model of element ") + Quoted(name) +
+                   u" may need more states than " + LimitText(limits.maxDeclarationLength));
+    }
 }
 
 void ParseGuard::CheckDeclarationLength(size_t length, const char16_t* kind, const XMLCh* name) const
@@ -147,6 +175,11 @@ void ParseGuard::CountDefaultAttributes(const xercesc_3_0::RefVectorOf<xercesc_3
 void ParseGuard::RefuseAttributes() const
 {
     Refuse(UniString(u"an element has more attributes than ") + LimitText(limits.maxAttributes));
+}
+
+void ParseGuard::RefuseElementNames() const
+{
+    Refuse(UniString(u"the document has more names of elements than ") + LimitText(limits.maxElementNames));
 }
 
 void ParseGuard::RefuseNesting() const

@@ -7,6 +7,8 @@
 #include "NuvXMLUtils/Xerces.hpp"
 
 #include <xercesc/framework/XMLAttr.hpp>
+#include <xercesc/framework/XMLElementDecl.hpp>
+#include <xercesc/framework/XMLEntityDecl.hpp>
 #include <xercesc/sax/Locator.hpp>
 #include <xercesc/util/RefVectorOf.hpp>
 #include <xercesc/util/SecurityManager.hpp>
@@ -14,6 +16,8 @@
 #include <xercesc/validators/DTD/DTDAttDef.hpp>
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
 #include <xercesc/validators/DTD/DTDEntityDecl.hpp>
+
+#include <string_view>
 
 namespace NuvXML
 {
@@ -42,16 +46,23 @@ class ParseGuard
 
     void StartDocument();
     void DocumentType() const;
-    void StartAttributeList(const xercesc_3_0::DTDElementDecl& element) const;
+    void StartAttributeList(const xercesc_3_0::DTDElementDecl& element);
     void AttributeDeclaration(const xercesc_3_0::DTDAttDef& attribute);
-    void ElementDeclaration(const xercesc_3_0::DTDElementDecl& element) const;
+    void ElementDeclaration(const xercesc_3_0::DTDElementDecl& element);
     void EntityDeclaration(const xercesc_3_0::DTDEntityDecl& entity, bool isParameterEntity);
+    void NotationDeclaration() { CountDeclaration(); }
     void ExternalEntity(const xercesc_3_0::XMLResourceIdentifier& entity) const;
 
-    void StartElement(const xercesc_3_0::RefVectorOf<xercesc_3_0::XMLAttr>& attributes, size_t attributeCount)
+    /// In the document's content.
+    void StartEntity(const xercesc_3_0::XMLEntityDecl& entity);
+
+    void StartElement(const xercesc_3_0::XMLElementDecl& element,
+                      const xercesc_3_0::RefVectorOf<xercesc_3_0::XMLAttr>& attributes, size_t attributeCount)
     {
         if (depth >= limits.maxNesting)
             RefuseNesting();
+        if (element.getId() > limits.maxElementNames) // Xerces numbers the names as it meets them
+            RefuseElementNames();
         if (attributeCount > limits.maxAttributes)
             RefuseAttributes();
         ++depth;
@@ -64,11 +75,13 @@ class ParseGuard
 
   private:
     bool RefusesExpansionInDocumentType() const;
-    void CountReferringEntity();
+    void CountDeclaration();
+    void CheckStates(std::u16string_view contentModel, const XMLCh* name) const;
     void CheckDeclarationLength(size_t length, const char16_t* kind, const XMLCh* name) const;
     void CountDefaultAttributes(const xercesc_3_0::RefVectorOf<xercesc_3_0::XMLAttr>& attributes,
                                 size_t attributeCount);
     [[noreturn]] void RefuseAttributes() const;
+    [[noreturn]] void RefuseElementNames() const;
     [[noreturn]] void RefuseNesting() const;
     [[noreturn]] void Refuse(const Nuv::UniString& message) const;
 
@@ -77,7 +90,8 @@ class ParseGuard
     const xercesc_3_0::Locator* locator = nullptr;
     size_t depth = 0;
     size_t defaultAttributes = 0;
-    size_t referringEntities = 0;
+    size_t declarations = 0;
+    size_t expandedContent = 0;
     bool hasDefaultAttributes = false;
     bool hasEntities = false;
 };

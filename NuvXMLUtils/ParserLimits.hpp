@@ -26,9 +26,22 @@ struct ParserLimits
     /// documents whose document types are trusted.
     bool allowExpansionInDocumentType = false;
 
+    /// How many characters of entities' texts are put into the document's content, where each may become a
+    /// node. What is put into attribute values does not count.
+    size_t maxExpandedContent = Unlimited;
+
+    /// How many entities, notations, elements, attributes and lists of attributes a document type may
+    /// declare. Each element is held against the attributes declared for it, and so deep can entities be
+    /// nested.
+    size_t maxDeclarations = Unlimited;
+
     /// How many characters each of these may have that a document type declares: the text of an entity, the
-    /// default of an attribute, the content model of an element. Times maxEntityExpansions, this is how much
-    /// text entities can make; times maxDefaultAttributes, how much defaults can.
+    /// default and the enumerated values of an attribute, the content model of an element. Times
+    /// maxEntityExpansions, this is how much text entities can put into attribute values; times
+    /// maxDefaultAttributes, how much defaults can.
+    ///
+    /// Also how many states a content model may need for its validation: up to 2^n for a name that stands in
+    /// it n times.
     size_t maxDeclarationLength = Unlimited;
 
     /// How many attributes the document type adds to the elements of the document because they have a
@@ -38,8 +51,11 @@ struct ParserLimits
     /// How many attributes an element may have, those with a default included.
     size_t maxAttributes = Unlimited;
 
-    /// How deep elements are nested; the root is at depth 1. Also how many entities may refer to others, for
-    /// that is how deep entities can be nested.
+    /// How many names of elements a document may have. Xerces looks a name up among all that share its hash,
+    /// which is easy to foresee.
+    size_t maxElementNames = Unlimited;
+
+    /// How deep elements are nested; the root is at depth 1.
     size_t maxNesting = Unlimited;
 
     /// Refuses a document with a document type, whatever it holds.
@@ -56,9 +72,12 @@ struct ParserLimits
     /// The values of ForUntrustedInput. What walks a document by recursion, in this library and with 8 MB of
     /// stack, can go thirty times as deep.
     static constexpr size_t SafeEntityExpansions = 10'000;
+    static constexpr size_t SafeExpandedContent = 1'000'000;
+    static constexpr size_t SafeDeclarations = 1'000;
     static constexpr size_t SafeDeclarationLength = 1'000;
     static constexpr size_t SafeDefaultAttributes = 10'000;
     static constexpr size_t SafeAttributes = 1'000;
+    static constexpr size_t SafeElementNames = 10'000;
     static constexpr size_t SafeNesting = 1'000;
 
     /// Limits for documents from anywhere. An internal document type is accepted, for within these limits it
@@ -67,9 +86,12 @@ struct ParserLimits
     {
         ParserLimits limits;
         limits.maxEntityExpansions = SafeEntityExpansions;
+        limits.maxExpandedContent = SafeExpandedContent;
+        limits.maxDeclarations = SafeDeclarations;
         limits.maxDeclarationLength = SafeDeclarationLength;
         limits.maxDefaultAttributes = SafeDefaultAttributes;
         limits.maxAttributes = SafeAttributes;
+        limits.maxElementNames = SafeElementNames;
         limits.maxNesting = SafeNesting;
         limits.forbidExternalEntities = true;
         limits.forbidNetwork = true;

@@ -167,6 +167,7 @@ class NUVXMLUTILS_API ValidatingXMLParser::LineInfoParser : public xercesc_3_0::
                 bool ignoring) override;
     void elementDecl(const xercesc_3_0::DTDElementDecl& declaration, bool isIgnored) override;
     void entityDecl(const xercesc_3_0::DTDEntityDecl& declaration, bool isPEDecl, bool isIgnored) override;
+    void notationDecl(const xercesc_3_0::XMLNotationDecl& declaration, bool isIgnored) override;
     xercesc_3_0::InputSource* resolveEntity(xercesc_3_0::XMLResourceIdentifier* identifier) override;
     /// @}
 

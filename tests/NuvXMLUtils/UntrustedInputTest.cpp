@@ -122,7 +122,9 @@ TEST_P(UntrustedInputTest, EndsAQuadraticBlowUpOfEntitiesThatAreNotTooLong)
 {
     const std::string entity = "<!ENTITY e '" + Repeat("x", ParserLimits::SafeDeclarationLength) + "'>";
     const std::string references = Repeat("&e;", 100'000);
-    ExpectAttackToFail(WithDocumentType(entity, "<r>" + references + "</r>"), TooManyExpansions);
+    ExpectAttackToFail(
+        WithDocumentType(entity, "<r>" + references + "</r>"),
+        Refused(2, u"entities put more characters into the document than the limit of 1000000"));
     ExpectAttackToFail(WithDocumentType(entity, "<r a='" + references + "'/>"), TooManyExpansions);
 }
 
@@ -137,16 +139,16 @@ std::string Chain(int length)
 
 TEST_P(UntrustedInputTest, EndsAChainOfEntities)
 {
-    const Loaded refused = Refused(1, u"more entities refer to others than the limit of 1000");
+    const Loaded refused = Refused(1, u"the document type declares more than the limit of 1000");
     for (const char* root : {"<r>&e99999;</r>", "<r a='&e99999;'/>"})
         ExpectAttackToFail(WithDocumentType(Chain(100'000), root), refused);
 }
 
 TEST_P(UntrustedInputTest, BearsAChainOfEntitiesWithinTheLimits)
 {
-    for (const char* root : {"<r>&e1000;</r>", "<r a='&e1000;'/>"})
+    for (const char* root : {"<r>&e999;</r>", "<r a='&e999;'/>"})
     {
-        const std::string text = WithDocumentType(Chain(1001), root);
+        const std::string text = WithDocumentType(Chain(1000), root);
         NuvTest::ExpectToBeCheap([&] { Load(text, Untrusted); });
         EXPECT_EQ(Load(text, Untrusted), IsLoaded);
     }
@@ -187,6 +189,83 @@ TEST_P(UntrustedInputTest, EndsAContentModelOfManyStates)
     ExpectAttackToFail(
         WithDocumentType(model, "<r/>"),
         Refused(1, u"the content model of element 'r' is longer than the limit of 1000 characters"));
+}
+
+/// The automaton must remember which of the last 25 were a's.
+TEST_P(UntrustedInputTest, EndsAContentModelThatIsAmbiguous)
+{
+    const std::string model = "<!ELEMENT r ((a|b)*,a" + Repeat(",(a|b)", 25) + ")>";
+    ExpectAttackToFail(
+        WithDocumentType(model + "<!ELEMENT a EMPTY><!ELEMENT b EMPTY>", "<r>" + Repeat("<a/>", 30) + "</r>"),
+        Refused(1, u"the content model of element 'r' may need more states than the limit of 1000"));
+}
+
+TEST_P(UntrustedInputTest, BearsNamesThatRepeatInAContentModel)
+{
+    const std::string model = "<!ELEMENT r ((a|b)*" + Repeat(",(a|b)", 7) + ")>";
+    EXPECT_EQ(Load(WithDocumentType(model, "<r/>"), Untrusted), IsLoaded);
+}
+
+/// Declarations of so many things of a kind, such as `<!NOTATION n1 PUBLIC ''>`.
+std::string Numbered(int count, const std::string& start, const std::string& end)
+{
+    std::string declarations;
+    for (int i = 0; i < count; ++i)
+        declarations += start + std::to_string(i) + end;
+    return declarations;
+}
+
+TEST_P(UntrustedInputTest, EndsManyDeclarations)
+{
+    const std::string elements = Repeat("<a/>", 50'000);
+    for (const std::string& declarations :
+         {Numbered(50'000, "<!ENTITY e", " ''>"), Numbered(50'000, "<!NOTATION n", " PUBLIC ''>"),
+          Numbered(50'000, "<!ELEMENT e", " ANY>"), Numbered(50'000, "<!ATTLIST e", ">"),
+          "<!ATTLIST a" + Numbered(50'000, " a", " CDATA #IMPLIED") + ">"})
+        ExpectAttackToFail(WithDocumentType(declarations, "<r>" + elements + "</r>"),
+                           Refused(1, u"the document type declares more than the limit of 1000"));
+}
+
+TEST_P(UntrustedInputTest, CountsDeclarationsExactly)
+{
+    EXPECT_EQ(Load(WithDocumentType(Numbered(1000, "<!ENTITY e", " ''>"), "<r/>"), Untrusted), IsLoaded);
+    EXPECT_EQ(Load(WithDocumentType(Numbered(1001, "<!ENTITY e", " ''>"), "<r/>"), Untrusted),
+              Refused(1, u"the document type declares more than the limit of 1000"));
+}
+
+TEST_P(UntrustedInputTest, EndsAnEnumerationOfManyValues)
+{
+    const std::string attribute = "<!ATTLIST a a (x" + Numbered(50'000, "|v", "") + ") #IMPLIED>";
+    ExpectAttackToFail(
+        WithDocumentType(attribute, "<r>" + Repeat("<a a='v49999'/>", 50'000) + "</r>"),
+        Refused(1, u"the list of values of attribute 'a' is longer than the limit of 1000 characters"));
+}
+
+TEST_P(UntrustedInputTest, EndsEntitiesOfManyElements)
+{
+    const std::string entity = "<!ENTITY e '" + Repeat("<a/>", 250) + "'>";
+    ExpectAttackToFail(
+        WithDocumentType(entity, "<r>" + Repeat("&e;", 10'000) + "</r>"),
+        Refused(2, u"entities put more characters into the document than the limit of 1000000"));
+}
+
+/// So many names for which Xerces' hash gives the same: "ah" and "bB" do.
+std::vector<std::string> CollidingNames(size_t count)
+{
+    std::vector<std::string> names(count);
+    for (size_t i = 0; i < count; ++i)
+        for (unsigned int bit = 0; bit < 16; ++bit)
+            names[i] += (i >> bit) % 2 == 0 ? "ah" : "bB";
+    return names;
+}
+
+TEST_P(UntrustedInputTest, EndsNamesOfElementsThatCollide)
+{
+    std::string elements;
+    for (const std::string& name : CollidingNames(60'000))
+        elements += "<" + name + "/>";
+    ExpectToFail("<r>" + elements + "</r>", Untrusted,
+                 Refused(1, u"the document has more names of elements than the limit of 10000"));
 }
 
 TEST_P(UntrustedInputTest, EndsANestedContentModel)

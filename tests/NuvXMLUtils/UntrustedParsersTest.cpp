@@ -41,7 +41,8 @@ ParserLimits OneLevel()
 TEST(ParserLimits, AreOffUntilTheyAreSet)
 {
     const ParserLimits limits;
-    for (const size_t limit : {limits.maxEntityExpansions, limits.maxDeclarationLength,
+    for (const size_t limit : {limits.maxEntityExpansions, limits.maxExpandedContent, limits.maxDeclarations,
+                               limits.maxDeclarationLength, limits.maxElementNames,
                                limits.maxDefaultAttributes, limits.maxAttributes, limits.maxNesting})
         EXPECT_EQ(limit, ParserLimits::Unlimited);
     EXPECT_FALSE(limits.allowExpansionInDocumentType || limits.forbidDocumentTypes ||
@@ -52,9 +53,12 @@ TEST(ParserLimits, AreAllSetForUntrustedInputButThatDocumentTypesAreAccepted)
 {
     const ParserLimits limits = ParserLimits::ForUntrustedInput();
     EXPECT_EQ(limits.maxEntityExpansions, 10'000u);
+    EXPECT_EQ(limits.maxExpandedContent, 1'000'000u);
+    EXPECT_EQ(limits.maxDeclarations, 1'000u);
     EXPECT_EQ(limits.maxDeclarationLength, 1'000u);
     EXPECT_EQ(limits.maxDefaultAttributes, 10'000u);
     EXPECT_EQ(limits.maxAttributes, 1'000u);
+    EXPECT_EQ(limits.maxElementNames, 10'000u);
     EXPECT_EQ(limits.maxNesting, 1'000u);
     EXPECT_TRUE(limits.forbidExternalEntities && limits.forbidNetwork);
     EXPECT_FALSE(limits.allowExpansionInDocumentType || limits.forbidDocumentTypes);
