@@ -79,11 +79,18 @@ Nuv::UniString NodePlaces::PathOf(const DOMNode* node)
     if (!node)
         return {};
     std::vector<const DOMNode*> upwards;
-    for (; node && node->getNodeType() != DOMNode::DOCUMENT_NODE; node = ParentOf(node))
-        upwards.push_back(node);
+    size_t length = 0;
+    bool isCut = false;
+    for (; node && !isCut && node->getNodeType() != DOMNode::DOCUMENT_NODE; node = ParentOf(node))
+    {
+        length += 1 + StepName(node).size();
+        isCut = length > MaxPathLength && !upwards.empty();
+        if (!isCut)
+            upwards.push_back(node);
+    }
     if (upwards.empty())
         return u"/";
-    std::u16string path;
+    std::u16string path(isCut ? u"..." : u"");
     for (auto step = upwards.rbegin(); step != upwards.rend(); ++step)
     {
         const bool isAttribute = (*step)->getNodeType() == DOMNode::ATTRIBUTE_NODE;

@@ -28,9 +28,14 @@ class NUVXMLUTILS_API NodePlaces
     NodePlaces& operator=(const NodePlaces&) = delete;
     ~NodePlaces();
 
+    /// How many characters a path may have, `/` but not positions included, before its first steps are left
+    /// out; the last step never is. So the paths of a document are in proportion to the document.
+    static constexpr size_t MaxPathLength = 300;
+
     /// The path of a node as an XPath expression that selects it, such as
     /// `/Project/Storey[2]/Wall[7]/@height` or `/Project/Name/text()`. A position stands where siblings share
-    /// a name. Names are those of the document, prefix included. `/` for a document, empty for null.
+    /// a name. Names are those of the document, prefix included. `/` for a document, empty for null. What is
+    /// longer than MaxPathLength is no expression any more, but `...` and the last steps.
     Nuv::UniString PathOf(const xercesc_3_0::DOMNode* node);
 
     /// The line, counted from 1, on which a start tag ends, or on which text ends but for white space; for an

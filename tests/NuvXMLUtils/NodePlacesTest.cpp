@@ -61,6 +61,24 @@ TEST_F(NodePlacesTest, CountsSiblingsThatShareAName)
     EXPECT_EQ(PathOf(ChildAt(Root(), 4)), "/p/a[3]");
 }
 
+TEST_F(NodePlacesTest, LeavesOutTheFirstStepsOfALongPath)
+{
+    const std::string longName(NodePlaces::MaxPathLength - 3, 'n');
+    Load("<p><" + longName + "><a/><a/><bc/></" + longName + "></p>");
+    const DOMNode* const longNode = Root()->getFirstChild();
+    EXPECT_EQ(PathOf(ChildAt(longNode, 0)), ".../" + longName + "/a[1]");
+    EXPECT_EQ(PathOf(ChildAt(longNode, 2)), ".../bc");
+    EXPECT_EQ(PathOf(longNode), "/p/" + longName);
+}
+
+TEST_F(NodePlacesTest, KeepsTheLastStepHoweverLong)
+{
+    const std::string longName(NodePlaces::MaxPathLength + 1, 'n');
+    Load("<" + longName + "><" + longName + "/></" + longName + ">");
+    EXPECT_EQ(PathOf(Root()), "/" + longName);
+    EXPECT_EQ(PathOf(Root()->getFirstChild()), ".../" + longName);
+}
+
 TEST_F(NodePlacesTest, DoesNotCountTheDocumentType)
 {
     Load("<!DOCTYPE p [<!ENTITY e 'x'>]><p/>");
