@@ -73,11 +73,11 @@ struct ParserLimits
     /// stack, can go thirty times as deep.
     static constexpr size_t SafeEntityExpansions = 10'000;
     static constexpr size_t SafeExpandedContent = 1'000'000;
-    static constexpr size_t SafeDeclarations = 1'000;
+    static constexpr size_t SafeDeclarations = 500;
     static constexpr size_t SafeDeclarationLength = 1'000;
     static constexpr size_t SafeDefaultAttributes = 10'000;
     static constexpr size_t SafeAttributes = 1'000;
-    static constexpr size_t SafeElementNames = 10'000;
+    static constexpr size_t SafeElementNames = 2'000;
     static constexpr size_t SafeNesting = 1'000;
 
     /// Limits for documents from anywhere. An internal document type is accepted, for within these limits it

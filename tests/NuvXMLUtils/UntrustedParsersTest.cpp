@@ -54,11 +54,11 @@ TEST(ParserLimits, AreAllSetForUntrustedInputButThatDocumentTypesAreAccepted)
     const ParserLimits limits = ParserLimits::ForUntrustedInput();
     EXPECT_EQ(limits.maxEntityExpansions, 10'000u);
     EXPECT_EQ(limits.maxExpandedContent, 1'000'000u);
-    EXPECT_EQ(limits.maxDeclarations, 1'000u);
+    EXPECT_EQ(limits.maxDeclarations, 500u);
     EXPECT_EQ(limits.maxDeclarationLength, 1'000u);
     EXPECT_EQ(limits.maxDefaultAttributes, 10'000u);
     EXPECT_EQ(limits.maxAttributes, 1'000u);
-    EXPECT_EQ(limits.maxElementNames, 10'000u);
+    EXPECT_EQ(limits.maxElementNames, 2'000u);
     EXPECT_EQ(limits.maxNesting, 1'000u);
     EXPECT_TRUE(limits.forbidExternalEntities && limits.forbidNetwork);
     EXPECT_FALSE(limits.allowExpansionInDocumentType || limits.forbidDocumentTypes);
