@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 using xercesc_3_0::DOMAttr;
@@ -114,40 +115,48 @@ unsigned int NodePlaces::PositionOf(const DOMNode* node)
     return known == positionOfNode.end() ? 0 : known->second;
 }
 
+/// Lack of memory leaves some children without a number, none with a wrong one.
 void NodePlaces::NumberChildrenOf(const DOMNode* parent)
 {
     if (!parent)
         return;
     struct Group
     {
-        const DOMNode* first;
-        unsigned int count;
+        unsigned int size = 0;
+        unsigned int numbered = 0;
     };
     std::unordered_map<std::u16string_view, Group> groups;
-    for (const DOMNode* child = parent->getFirstChild(); child; child = child->getNextSibling())
+    const auto forEachChild = [parent](auto action)
     {
-        if (child->getNodeType() == DOMNode::DOCUMENT_TYPE_NODE) // has the name of the document element
-            continue;
-        Group& group = groups.try_emplace(StepName(child), Group{child, 0}).first->second;
-        positionOfNode[child] = ++group.count;
-    }
-    for (const auto& [name, group] : groups)
-        if (group.count == 1)
-            positionOfNode[group.first] = 0;
+        for (const DOMNode* child = parent->getFirstChild(); child; child = child->getNextSibling())
+            if (child->getNodeType() != DOMNode::DOCUMENT_TYPE_NODE) // has the name of the document element
+                action(child);
+    };
+    forEachChild([&](const DOMNode* child) { ++groups[StepName(child)].size; });
+    forEachChild(
+        [&](const DOMNode* child)
+        {
+            Group& group = groups[StepName(child)];
+            positionOfNode.try_emplace(child, group.size == 1 ? 0 : ++group.numbered);
+        });
 }
 
 const NodePlaces::RecordedLines* NodePlaces::Recorded(const DOMNode* node)
 {
     if (locations && linesOfNode.empty())
+    {
+        decltype(linesOfNode) lines;
         for (const auto* block = locations->first.get(); block; block = block->next.get())
         {
             const size_t used = block == locations->last ? locations->usedInLast : NodeLocations::BlockSize;
             for (size_t i = 0; i < used; ++i)
             {
                 const unsigned int line = block->locations[i].lineNumber;
-                linesOfNode.try_emplace(block->nodes[i], RecordedLines{line, line}).first->second.last = line;
+                lines.try_emplace(block->nodes[i], RecordedLines{line, line}).first->second.last = line;
             }
         }
+        linesOfNode = std::move(lines);
+    }
     const auto found = linesOfNode.find(node);
     return found == linesOfNode.end() ? nullptr : &found->second;
 }
