@@ -5,10 +5,14 @@
 #include "NuvXMLUtils/ChannelFormatTargets.hpp"
 #include "NuvXMLUtils/DOMHelpers.hpp"
 #include "NuvXMLUtils/FormatXMLDoc.hpp"
+#include "NuvXMLUtils/LimitedSAX2Reader.hpp"
+#include "NuvXMLUtils/NodePlaces.hpp"
 #include "NuvXMLUtils/NuvXMLInterface.hpp"
 #include "NuvXMLUtils/SAXWriters.hpp"
+#include "NuvXMLUtils/SourceText.hpp"
 #include "NuvXMLUtils/ValidatingXMLParser.hpp"
 #include "NuvXMLUtils/XMLCompare.hpp"
+#include "NuvXMLUtils/XMLDifferences.hpp"
 #include "tests/support/LocalCodePageScope.hpp"
 #include "tests/support/ScratchFolder.hpp"
 
@@ -17,6 +21,7 @@
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/parsers/SAXParser.hpp>
+#include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/sax2/SAX2XMLReader.hpp>
 #include <xercesc/sax2/XMLReaderFactory.hpp>
 
@@ -367,6 +372,71 @@ TEST(Threads, CompareDocumentsOfTheirOwnWithOneFilterAndOneSetOfOptions)
             EXPECT_NO_THROW(Compare(left, right, filter, options));
             const Document other = Load(SampleText(number + 1));
             EXPECT_THROW(Compare(left, other, filter, options), NuvXML::TextNodeValuesDontMatchException);
+        });
+}
+
+TEST(Threads, FindDifferencesAndTheirPlacesWithOneSetOfOptions)
+{
+    const NuvXML::StrictOrderAutoValueCompareOptions options;
+    InThreads(
+        [&](int number)
+        {
+            const std::string text = SampleText(number);
+            const Document left = Load(text);
+            const Document right = Load(SampleText(number + 1));
+            NuvXML::NodePlaces places(nullptr);
+            const NuvXML::SourceText source(text, *left);
+            size_t differences = 0;
+            NuvXML::FindDifferences(left.get(), right.get(), nullptr, options,
+                                    [&](const NuvXML::XMLDifference& difference)
+                                    {
+                                        EXPECT_FALSE(places.PathOf(difference.left).IsEmpty());
+                                        EXPECT_FALSE(source.Line(1).IsEmpty());
+                                        ++differences;
+                                        return true;
+                                    });
+            EXPECT_GT(differences, 0u);
+        });
+}
+
+TEST(Threads, ReadWithinLimitsOfTheirOwn)
+{
+    InThreads(
+        [](int number)
+        {
+            ParserLimits limits;
+            limits.maxNesting = static_cast<size_t>(number) + 1;
+            std::string text = "<a/>";
+            for (int depth = 0; depth < number; ++depth)
+                text = "<a>" + text + "</a>";
+            const auto parse = [&](const std::string& document)
+            {
+                NuvXML::CreateSAX2Reader(limits)->parse(xercesc_3_0::MemBufInputSource(
+                    reinterpret_cast<const unsigned char*>(document.data()), document.size(), u"memory"));
+            };
+            EXPECT_NO_THROW(parse(text));
+            EXPECT_THROW(parse("<a>" + text + "</a>"), xercesc_3_0::SAXParseException);
+        });
+}
+
+TEST(Threads, TakeTheErrorsOfInvalidDocuments)
+{
+    InThreads(
+        [](int number)
+        {
+            std::string text = "<!DOCTYPE a [<!ELEMENT a ANY>]><a>";
+            for (int element = 0; element < number; ++element)
+                text += "<b/>";
+            text += "</a>";
+            int errors = 0;
+            ValidatingXMLParser parser;
+            parser.SetErrorHandler([&](const NodeLocationInfo&, const Nuv::UniString&) { ++errors; });
+            const Document document(parser.Parse(reinterpret_cast<const unsigned char*>(text.data()),
+                                                 static_cast<unsigned int>(text.size()),
+                                                 ValidatingXMLParser::LineInfoParser::Val_Auto, false,
+                                                 Nuv::UniString(u"memory"), nullptr, nullptr, nullptr));
+            EXPECT_TRUE(document);
+            EXPECT_EQ(errors, number);
         });
 }
 
