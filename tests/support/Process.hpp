@@ -125,10 +125,10 @@ inline ProcessResult RunProcess(const std::vector<std::string>& command, const s
 }
 
 /// Runs a program whose output and errors go to a terminal; both are in `output`.
-/// @param atFirstOutput is called with the id of the process
+/// @param atFirstOutput is called before more than a few lines of output are taken off the terminal
 inline ProcessResult RunOnTerminal(const std::vector<std::string>& command,
                                    const std::map<std::string, std::string>& environment,
-                                   const std::function<void(pid_t)>& atFirstOutput = {})
+                                   const std::function<void()>& atFirstOutput = {})
 {
     int terminal = -1;
     int end = -1;
@@ -142,7 +142,7 @@ inline ProcessResult RunOnTerminal(const std::vector<std::string>& command,
     for (ssize_t count; (count = read(terminal, block, sizeof block)) > 0;)
     {
         if (output.empty() && atFirstOutput)
-            atFirstOutput(child);
+            atFirstOutput();
         output.append(block, static_cast<size_t>(count));
     }
     close(terminal);

@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include <csignal>
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <thread>
@@ -156,23 +156,16 @@ TEST_F(CompareFoldersTest, ShowsNoProgressWhenItIsQuick)
 
 TEST_F(CompareFoldersTest, ShowsProgressOnATerminalWhenItTakesLong)
 {
-    WriteBoth("0000.xml", "<a>1</a>", "<a>2</a>");
     for (int i = 1; i <= 500; ++i)
-        WriteBoth(std::to_string(1000 + i) + ".xml", "<a/>", "<a/>");
-    // Held up as soon as it has begun, for longer than it may take without a word.
+        WriteBoth(std::to_string(1000 + i) + ".xml", "<a>1</a>", "<a>2</a>");
+    // What it has to tell does not fit into a terminal that nobody reads, so it has to wait.
     const ProcessResult result =
         NuvTest::RunOnTerminal(Command({"compare", PathOf("left"), PathOf("right")}), {{"TERM", "dumb"}},
-                               [](pid_t tool)
-                               {
-                                   kill(tool, SIGSTOP);
-                                   std::this_thread::sleep_for(std::chrono::milliseconds(1200));
-                                   kill(tool, SIGCONT);
-                               });
+                               [] { std::this_thread::sleep_for(std::chrono::milliseconds(1200)); });
     EXPECT_EQ(result.status, Findings);
     EXPECT_THAT(result.output, HasSubstr("\rCompared "));
-    EXPECT_THAT(result.output, HasSubstr(" of 501 files"));
-    EXPECT_THAT(result.output,
-                testing::EndsWith("\r\x1B[K500 equal, 1 different, 0 missing, 0 in trouble\r\n"));
+    EXPECT_THAT(result.output, HasSubstr(" of 500 files\r\x1B[K"));
+    EXPECT_THAT(result.output, testing::EndsWith("0 equal, 500 different, 0 missing, 0 in trouble\r\n"));
 }
 
 } // namespace
