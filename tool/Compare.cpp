@@ -166,7 +166,7 @@ ExitStatus Compare(const CompareSettings& settings, Output& output)
         throw Trouble("standard input can be read once only");
     const bool leftIsFolder = IsFolder(settings.left);
     if (leftIsFolder != IsFolder(settings.right))
-        throw Trouble(PrintableName(leftIsFolder ? settings.left : settings.right) +
+        throw Trouble(PrintableLine(leftIsFolder ? settings.left : settings.right) +
                       ": is a folder, and the other is not");
     if (leftIsFolder)
         return CompareFolders(settings, *reporter, output);

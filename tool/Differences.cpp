@@ -71,8 +71,8 @@ class TextReporter : public DifferenceReporter
 
     void ReportMissing(const std::string& present, const std::string& missing, bool) override
     {
-        output.Write(Joined({"Missing file: ", PrintableName(missing), "\n"}));
-        output.Write(Joined({Colored(PrintableName(present), Bold), ": has no counterpart\n"}));
+        output.Write(Joined({"Missing file: ", PrintableLine(missing), "\n"}));
+        output.Write(Joined({Colored(PrintableLine(present), Bold), ": has no counterpart\n"}));
     }
 
     void ReportTotals(const std::string& totals) override { output.Write(totals + "\n"); }
@@ -89,7 +89,7 @@ class TextReporter : public DifferenceReporter
 
     void Write(const Place& place, const char* color)
     {
-        std::string where = PrintableName(place.file);
+        std::string where = PrintableLine(place.file);
         if (place.line != 0)
             where.append(":").append(std::to_string(place.line));
         output.Write(Joined({Colored(where, Bold), ": ", Printable(place.path), "\n"}));

@@ -151,8 +151,8 @@ NuvXML::XercesPtr<DOMDocument> ParseAll(ValidatingXMLParser& parser, const std::
 
 std::string FaultText(const std::string& file, unsigned int line, const Nuv::UniString& message)
 {
-    return PrintableName(file) + ":" + (line != 0 ? std::to_string(line) + ":" : "") + " " +
-           Printable(message);
+    return PrintableLine(file) + ":" + (line != 0 ? std::to_string(line) + ":" : "") + " " +
+           PrintableLine(message.ToUTF8());
 }
 
 Document::Document(const std::string& path, bool createEntityRefNodes, bool trusted,

@@ -48,7 +48,7 @@ int OpenFor(const fs::path& target, fs::path& written)
 
 Trouble FileTrouble(std::string_view file, int error)
 {
-    return Trouble(PrintableName(file) + ": " + std::generic_category().message(error));
+    return Trouble(PrintableLine(file) + ": " + std::generic_category().message(error));
 }
 
 Output::Output(int openDescriptor, std::string nameForMessages)
@@ -123,9 +123,9 @@ std::string Printable(const Nuv::UniString& text)
     return Nuv::UniString(printable).ToUTF8();
 }
 
-std::string PrintableName(std::string_view name)
+std::string PrintableLine(std::string_view text)
 {
-    std::string line(name);
+    std::string line(text);
     std::replace_if(
         line.begin(), line.end(), [](char character) { return character == '\t' || character == '\n'; },
         '\x1A');

@@ -67,7 +67,7 @@ class OutputFile
 /// Text as a terminal may have it: control characters, but for tabs and line feeds, are replaced.
 std::string Printable(const Nuv::UniString& text);
 
-/// The name of a file as a terminal may have it, on one line.
-std::string PrintableName(std::string_view name);
+/// The same of text in UTF-8 that must stay on one line, such as the name of a file or a message.
+std::string PrintableLine(std::string_view text);
 
 } // namespace Tool

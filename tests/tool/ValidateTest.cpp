@@ -57,6 +57,18 @@ TEST_F(ValidateTest, ShowsEveryFaultOfEveryFileAsCompilersDo)
               "3 files, 3 faults in 2\n");
 }
 
+TEST_F(ValidateTest, KeepsAFaultOnOneLineWhateverTheDocumentPutsIntoIt)
+{
+    const std::string schema =
+        Write("wall.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>"
+                          "<xs:element name='wall'><xs:simpleType>"
+                          "<xs:restriction base='xs:string'><xs:enumeration value='a'/>"
+                          "</xs:restriction></xs:simpleType></xs:element></xs:schema>");
+    EXPECT_EQ(Run({"validate", "--schema", schema, "-"}, "<wall>b\nx.xml:7: forged</wall>").output,
+              "(standard input):2: value 'b\xEF\xBF\xBDx.xml:7: forged' not in enumeration\n"
+              "1 file, 1 fault in 1\n");
+}
+
 TEST_F(ValidateTest, ValidatesAgainstTheDocumentTypeWithoutASchema)
 {
     const ProcessResult result =
