@@ -234,6 +234,18 @@ class CountingHandler : public xercesc_3_0::DefaultHandler
 
 constexpr char SmallDocument[] = "<!DOCTYPE r [<!ENTITY e '<a/>'>]><r>&e;&e;</r>";
 
+TEST(UntrustedStream, CountsEmptyElementsOnTheirOwnLevelOnly)
+{
+    ParserLimits limits;
+    limits.maxNesting = 2;
+    const auto reader = NuvXML::CreateSAX2Reader(limits);
+    for (const bool processesNamespaces : {true, false})
+    {
+        reader->setFeature(xercesc_3_0::XMLUni::fgSAX2CoreNameSpaces, processesNamespaces);
+        EXPECT_EQ(NuvTest::LoadStream(*reader, "<a><b/><b/><b></b><b/></a>"), IsLoaded);
+    }
+}
+
 TEST(UntrustedStream, LeavesAllHandlersToTheCaller)
 {
     const auto reader = NuvXML::CreateSAX2Reader(ParserLimits::ForUntrustedInput());
