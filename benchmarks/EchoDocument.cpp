@@ -21,11 +21,11 @@ namespace
 using namespace xercesc_3_0;
 using namespace Benchmarks;
 
-/// Validates against the DTD if there is one.
+/// By a reader as Xerces makes it, which validates; where there is a DTD, against that.
 void Parse(const std::string& text, ContentHandler& handler)
 {
     const std::unique_ptr<SAX2XMLReader> reader(XMLReaderFactory::createXMLReader());
-    reader->setFeature(XMLUni::fgXercesDynamic, true);
+    reader->setFeature(XMLUni::fgXercesDynamic, text.find("<!DOCTYPE") != std::string::npos);
     reader->setContentHandler(&handler);
     const MemBufInputSource input(reinterpret_cast<const XMLByte*>(text.data()), text.size(), "benchmark");
     reader->parse(input);
