@@ -16,6 +16,9 @@ function(nuv_add_module name)
   target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS "${include_root}" FILES ${module_HEADERS})
   target_compile_features(${name} PUBLIC cxx_std_20)
   target_link_libraries(${name} PUBLIC ${module_PUBLIC_LIBRARIES} PRIVATE ${module_PRIVATE_LIBRARIES} nuv_options)
+  # Calls within the module are direct: nobody replaces its functions by others of the same name.
+  target_compile_options(${name} PRIVATE -fno-semantic-interposition)
+  target_link_options(${name} PRIVATE -Wl,-Bsymbolic-functions)
   set_target_properties(${name} PROPERTIES
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR}
