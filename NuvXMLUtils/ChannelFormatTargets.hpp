@@ -1,5 +1,5 @@
 /// @file
-/// Where Xerces' formatters and serializers write to: the application's channels.
+/// The application's channels as targets of Xerces' formatters and serializers.
 #pragma once
 
 #include "NuvRoot/Channels.hpp"
@@ -12,7 +12,7 @@ namespace NuvXML
 {
 
 /// Writes each block of formatted bytes to a channel at once. After an error of the channel, later output is
-/// dropped. The channel is not owned and must outlive the target; what it throws passes through.
+/// dropped. The channel must outlive the target. Its exceptions pass through.
 class NUVXMLUTILS_API OChannelXMLFormatTarget : public xercesc_3_0::XMLFormatTarget
 {
   public:
@@ -23,7 +23,7 @@ class NUVXMLUTILS_API OChannelXMLFormatTarget : public xercesc_3_0::XMLFormatTar
 
     void writeChars(const XMLByte* toWrite, XMLSize_t count, xercesc_3_0::XMLFormatter* formatter) override;
 
-    /// The first error that the channel told, 0 when there was none.
+    /// The first error code that the channel returned; 0 when there was none.
     int GetErrorCode() const { return errorCode; }
 
   private:
@@ -42,7 +42,7 @@ class NUVXMLUTILS_API OBinaryChannelXMLFormatTarget : public xercesc_3_0::XMLFor
 
     void writeChars(const XMLByte* toWrite, XMLSize_t count, xercesc_3_0::XMLFormatter* formatter) override;
 
-    /// The first error that the channel told, 0 when there was none.
+    /// The first error code that the channel returned; 0 when there was none.
     int GetErrorCode() const { return errorCode; }
 
   private:

@@ -1,5 +1,5 @@
 /// @file
-/// How the SAX writers bring text to a formatter of Xerces. Private to the library.
+/// How the SAX writers send text to a formatter of Xerces.
 #pragma once
 
 #include "NuvXMLUtils/TextEncoders.hpp"
@@ -15,11 +15,11 @@
 namespace NuvXML
 {
 
-/// The text of events on its way to a formatter. It is collected for each event, with its escapes, and then
-/// sent in one block, by an encoder of ours.
+/// Collects the text of an event, with its escapes, and sends it to a formatter in one block, encoded by an
+/// encoder of ours.
 ///
-/// The bytes are those that the formatter would write, but where formatters go wrong: on half surrogate pairs
-/// they do not come to an end or take the next character for the other half, and with ICU's converters they
+/// The bytes are those that the formatter itself would write, except where formatters are wrong. On a lone
+/// surrogate they never return, or take the next character for the other half. With ICU's converters they
 /// tear pairs and lose or change characters.
 class FormatterText
 {
@@ -31,10 +31,11 @@ class FormatterText
     FormatterText& operator=(const FormatterText&) = delete;
     ~FormatterText();
 
-    /// Character data, an event of its own. The first half of a pair at the end waits for the next event.
+    /// Writes character data as an event of its own. The first half of a pair at the end waits for the next
+    /// event.
     void WriteCharacters(const XMLCh* chars, XMLSize_t length);
 
-    // The other events: a beginning, any number of texts, an end.
+    // Other events: a beginning, any number of texts, an end.
 
     void BeginEvent();
     void Write(std::u16string_view text) { event.append(text); }
@@ -52,7 +53,7 @@ class FormatterText
     void FormatLacking(const XMLCh* text, const XMLCh* end);
     void SendBytes(FreeBytes& bytes);
 
-    /// So many zeros follow the bytes of a block, as the targets of formatters are used to.
+    /// Formatters end each block with this many zeros, so targets may rely on them.
     static constexpr size_t TerminatorSize = 4;
 
     xercesc_3_0::XMLFormatter& formatter;
