@@ -1,5 +1,5 @@
 /// @file
-/// Byte channels: where text is written to and read from.
+/// Byte channels: destinations and sources of bytes.
 #pragma once
 
 #include "NuvRoot/Export.hpp"
@@ -10,7 +10,7 @@
 namespace Nuv
 {
 
-/// Takes bytes of text. Every operation returns 0 for success, any other value is an error code.
+/// A destination for text. Every operation returns 0 for success, and an error code otherwise.
 class NUVROOT_API OChannel
 {
   public:
@@ -20,28 +20,28 @@ class NUVROOT_API OChannel
     virtual int Write(const void* bytes, size_t count) = 0;
 };
 
-/// Takes bytes of any kind.
+/// A destination for bytes of any kind.
 class NUVROOT_API OBinaryChannel
 {
   public:
     virtual ~OBinaryChannel();
 
-    /// Writes all `count` bytes or fails; 0 is success, any other value is an error code.
+    /// Writes all `count` bytes or fails. Returns 0 for success, and an error code otherwise.
     virtual int Write(const void* bytes, size_t count) = 0;
 };
 
-/// Gives bytes.
+/// A source of bytes.
 class NUVROOT_API IChannel
 {
   public:
     virtual ~IChannel();
 
-    /// Reads up to `capacity` bytes and tells in `count` how many there were, also on failure; 0 is success,
-    /// any other value is an error code, the end of the input included.
+    /// Reads up to `capacity` bytes and sets `count` to their number, also on failure. Returns 0 for success,
+    /// and an error code otherwise, also at the end of the input.
     virtual int Read(void* bytes, size_t capacity, size_t& count) = 0;
 };
 
-/// Collects what is written. Never fails but for lack of memory.
+/// Collects the bytes in memory. Fails only for lack of memory, with an exception.
 class NUVROOT_API MemoryOChannel : public OChannel
 {
   public:
@@ -52,7 +52,7 @@ class NUVROOT_API MemoryOChannel : public OChannel
     std::string collected;
 };
 
-/// Collects what is written. Never fails but for lack of memory.
+/// Collects the bytes in memory. Fails only for lack of memory, with an exception.
 class NUVROOT_API MemoryOBinaryChannel : public OBinaryChannel
 {
   public:

@@ -1,7 +1,7 @@
 /// @file
 /// The exceptions of the application. Loading this module installs a new-handler that throws
-/// OutOfMemoryException, so that every failing `new` of the process throws an exception that is both the
-/// application's and a std::bad_alloc.
+/// OutOfMemoryException. So every failing `new` of the process throws the application's exception, which is a
+/// std::bad_alloc too.
 #pragma once
 
 #include "NuvRoot/Export.hpp"
@@ -18,7 +18,7 @@ class OChannel;
 /// Base of all exceptions of the application: a message, the place of the throw, an identifier and, perhaps,
 /// the exception that caused it. Copies are independent, the cause included.
 ///
-/// `sourceFile` is kept as a pointer and must outlive the exception; it usually is a literal.
+/// `sourceFile` is kept as a pointer and must outlive the exception. It usually is a literal.
 class NUVROOT_API NuvException
 {
   public:
@@ -93,7 +93,7 @@ class NUVROOT_API RunTimeErrorException : public GeneralException
     NuvException* Clone() const override;
 };
 
-/// What every failing `new` of the process throws.
+/// Thrown by every failing `new` of the process.
 class NUVROOT_API OutOfMemoryException : public GeneralException, public std::bad_alloc
 {
   public:

@@ -2,9 +2,9 @@
 /// Text of the application: UTF-16 strings, 8-bit strings and the code pages between them.
 ///
 /// 8-bit text is in the *local code page* unless a function says otherwise. The local code page is a
-/// property of the process: the code set of the environment's locale, UTF-8 where that is plain ASCII or
-/// unknown. Conversions are ICU's, with one addition: a character that a code page lacks is never dropped
-/// or replaced by a similar one; it is reported or becomes a question mark.
+/// property of the process: the code set of the environment's locale, or UTF-8 when that is plain ASCII or
+/// unknown. ICU converts, with one difference: a character that a code page lacks is never dropped or
+/// replaced by a similar one. It is reported, or becomes a question mark.
 #pragma once
 
 #include "NuvRoot/Export.hpp"
@@ -35,7 +35,7 @@ enum NuvCharCode
 enum CaseSensitivity
 {
     CaseSensitive,
-    CaseInsensitive ///< by full Unicode case folding, so that "straße" equals "STRASSE"
+    CaseInsensitive ///< full Unicode case folding: "straße" equals "STRASSE"
 };
 
 /// Changes the local code page of the process. Not synchronised: call it before other threads convert text.
@@ -47,10 +47,10 @@ NUVROOT_API void SetLocalCodePage(const char* ianaName);
 NUVROOT_API const char* GetLocalCodePage();
 
 /// @name Views
-/// Operations on text that stands anywhere. None of them allocates.
+/// Operations on text in any container. None of them allocates.
 /// @{
 
-/// `text` without the characters of the Unicode property White_Space at both ends.
+/// Returns `text` without the characters at both ends that have the Unicode property White_Space.
 NUVROOT_API std::u16string_view Trimmed(std::u16string_view text);
 
 /// Equality under full Unicode case folding.
@@ -60,7 +60,7 @@ NUVROOT_API bool EqualIgnoringCase(std::u16string_view left, std::u16string_view
 
 class UniString;
 
-/// One argument of UniString::Printf: remembers the type of what it was made from.
+/// One argument of UniString::Printf, with its type.
 class NUVROOT_API FormatArgument
 {
   public:
@@ -171,10 +171,11 @@ class NUVROOT_API UniString
     /// Lower case by the Unicode rules of no particular language.
     void ToLower();
 
-    /// Replaces the contents. `%s`, `%S`, `%d` and `%u` each stand for the next argument, `%%` for a percent
-    /// sign; anything else stands for itself. An argument is formatted by its own type, whatever the
-    /// directive says: 8-bit text from the local code page, UTF-16 text as it is, integers in decimal.
-    /// @throws GeneralException when there are more directives than arguments; the contents stay as they were
+    /// Replaces the contents. `%s`, `%S`, `%d` and `%u` are each replaced by the next argument, `%%` by a
+    /// percent sign; all else is copied. The type of the argument decides the format, not the directive:
+    /// 8-bit text is in the local code page, integers are written in decimal.
+    /// @throws GeneralException when there are more directives than arguments; the contents are then
+    /// unchanged
     template <class... Arguments>
     void Printf(const char* format, const Arguments&... arguments)
     {
@@ -213,18 +214,18 @@ inline FormatArgument::FormatArgument(const UniString& text)
 NUVROOT_API std::ostream& operator<<(std::ostream& stream, const UniString& text);
 
 /// @name Code-page converters
-/// Both give the number of units or bytes written, and 0 for failure and for an empty text of length 0.
-/// A `length` of -1 means zero-terminated text, whose terminator is converted and counted. With a null `out`
-/// or a capacity of 0 they only count. A result that does not fit into `capacity` is a failure, and leaves
-/// `out` untouched. `reserved` is ignored.
+/// Both return the number of units or bytes written. They return 0 for failure, and for an empty text of
+/// length 0. A `length` of -1 means zero-terminated text; the terminator is converted and counted. With a
+/// null `out` or a capacity of 0 they only count. They fail, with `out` unchanged, when the result does not
+/// fit into `capacity`. `reserved` is ignored.
 /// @{
 
-/// Decodes 8-bit text; undecodable bytes become U+FFFD. Null text is a failure.
+/// Decodes 8-bit text. Undecodable bytes become U+FFFD. Fails for null text.
 NUVROOT_API int CHANSI2Unicode(const char* text, int length, UniChar* out, int capacity, NuvCharCode code,
                                const void* reserved = nullptr);
 
-/// Encodes UTF-16 text. A character that would not come back from the code page is a failure, or one `?`
-/// when `lossy`. Null text is a failure.
+/// Encodes UTF-16 text. A character that would not come back from the code page becomes one `?` when `lossy`,
+/// and fails otherwise. Fails for null text.
 NUVROOT_API int CHUnicode2ANSI(const UniChar* units, int length, char* out, int capacity, NuvCharCode code,
                                bool lossy, const void* reserved = nullptr);
 

@@ -1,5 +1,5 @@
 /// @file
-/// What the source units of the DOM helper functions share. Private to the library.
+/// Code that the source units of the DOM helper functions share.
 #pragma once
 
 #include "NuvRoot/ValueText.hpp"
@@ -21,8 +21,7 @@ namespace NuvXMLUtils
 /// Text in the local code page; it ends at its first zero.
 inline Nuv::UniString Decoded(const Nuv::String& text) { return Nuv::UniString(text.c_str()); }
 
-/// The callers' `unsigned short` and XMLCh are types that may not alias, so that text goes from one to the
-/// other unit by unit: here in, with NewCopy out.
+/// Copies unit by unit, because `unsigned short` and XMLCh must not alias. NewCopy is the way back.
 inline Nuv::UniString FromUnits(const unsigned short* units, size_t length)
 {
     return Nuv::UniString(std::u16string(units, units + length));
@@ -37,7 +36,7 @@ Nuv::UniString DecimalText(Integer value)
     return digits;
 }
 
-/// Where the terminator of a text stands.
+/// The terminator of a text.
 template <class Unit>
 Unit* EndOf(Unit* text)
 {
@@ -56,7 +55,7 @@ std::unique_ptr<Unit[]> NewCopy(const SourceUnit* text)
     return copy;
 }
 
-/// The text in the local code page, zero-terminated; null when it cannot be converted, as no empty text can.
+/// The text in the local code page, zero-terminated. Null when it cannot be converted, and for an empty text.
 /// @throws Nuv::OutOfMemoryException
 std::unique_ptr<char[]> Encoded(std::u16string_view text, bool lossy);
 
@@ -70,7 +69,7 @@ locale_t CLocale();
 /// The line of `node`, which may be null; 0 when it is not known.
 unsigned int LineOf(const xercesc_3_0::DOMNode* node);
 
-/// Puts context before the message and, unless a line is known, the line of `node` beside it.
+/// Puts context before the message. Sets the line to that of `node` when the exception has none.
 void AddContext(ConvException& exception, const Nuv::UniString& context, const xercesc_3_0::DOMNode* node);
 
 /// An exception with code 0. The text must be a constant: it is not copied.
@@ -93,7 +92,7 @@ Node* Checked(Node* node)
     return node;
 }
 
-/// What `make` gives.
+/// Returns the result of `make`.
 /// @throws ConvException "Memory error" when memory runs out in it
 template <class Make>
 auto OrMemoryError(Make make)

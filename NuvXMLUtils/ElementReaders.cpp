@@ -35,14 +35,14 @@ std::unique_ptr<char[]> EncodedOrNull(std::u16string_view text)
 /// What `strtol` reads in the "C" locale, saturated at 64 bits.
 long long LeadingInteger(const std::string& text) { return strtoll_l(text.c_str(), nullptr, 10, CLocale()); }
 
-/// What `atol` gives where `long` has 32 bits.
+/// The result of `atol` where `long` has 32 bits.
 int ToLong(const std::string& text)
 {
     using Limits = std::numeric_limits<int>;
     return static_cast<int>(std::clamp<long long>(LeadingInteger(text), Limits::min(), Limits::max()));
 }
 
-/// What `strtoul` gives where `long` has 32 bits.
+/// The result of `strtoul` where `long` has 32 bits.
 unsigned int ToULong(const std::string& text)
 {
     constexpr unsigned int Max = std::numeric_limits<unsigned int>::max();

@@ -34,7 +34,7 @@ bool AppendText(DOMElement* elem, const XMLCh* text)
     return true;
 }
 
-/// What `write` gives, and false for an exception of the DOM.
+/// Returns the result of `write`, and false for an exception of the DOM.
 template <class Write>
 bool Succeeds(Write write)
 {

@@ -1,17 +1,17 @@
 /// @file
-/// Writes small, indented documents into a DOM tree: one element a value, each on a line of its own. The
-/// indentation stands in the tree as text nodes, so that every serializer reproduces it. ElementReaders.hpp
-/// reads the values back.
+/// Writes small, indented documents into a DOM tree: one element for each value, each on a line of its own.
+/// The indentation is text nodes in the tree, so every serializer writes it. ElementReaders.hpp reads the
+/// values back.
 ///
 /// An element at depth `d` is a text node of `d` tabs, the element, and a text node with the line end. The
 /// functions named `Write...` end lines with CR LF, NewLine with LF alone.
 ///
-/// The functions named `Write...` and EndWriteElement give true, or false when Xerces makes no node or throws
-/// a `DOMException` (for a name that XML forbids, say); what they wrote before stays. Every other exception
-/// passes through.
+/// The functions named `Write...` and EndWriteElement return true. They return false when Xerces makes no
+/// node or throws a `DOMException`, for example for a name that XML forbids; nodes written before remain.
+/// Every other exception passes through.
 ///
-/// Nodes belong to the document of the element they are made for. Pointers must not be null. A name or text
-/// given as Nuv::String is in the local code page and ends at its first zero.
+/// Nodes belong to the document of their element. Pointers must not be null. A Nuv::String is in the local
+/// code page and ends at its first zero.
 #pragma once
 
 #include "NuvRoot/UniString.hpp"
@@ -43,8 +43,8 @@ NUVXMLUTILS_API void Tabs(xercesc_3_0::DOMElement* elem, int count);
 
 /// @}
 /// @name Values
-/// Append an element with one text node, which is there also when it is empty. Numbers are written in
-/// decimal, without leading zeros, plus sign or grouping. A name that XML forbids adds nothing to `parent`.
+/// Append an element with one text node, even for an empty text. Numbers are written in decimal, without
+/// leading zeros, plus sign or grouping. A name that XML forbids adds nothing to `parent`.
 /// @{
 
 NUVXMLUTILS_API bool WriteTextElement(xercesc_3_0::DOMElement* parent, const Nuv::UniString& name,
@@ -82,9 +82,9 @@ NUVXMLUTILS_API bool WriteBooleanElement(xercesc_3_0::DOMElement* parent, const 
 /// @name Structure
 /// @{
 
-/// Makes the element that is to hold further elements, with a line end as its first child. It is not in the
-/// tree before EndWriteElement; between the two its children are written, as a rule one tab deeper.
-/// @throws xercesc_3_0::DOMException when Xerces cannot make the element; `child` is as it was
+/// Makes an element for child elements, with a line end as its first child. EndWriteElement puts it into the
+/// tree. Write its children in between, usually one tab deeper.
+/// @throws xercesc_3_0::DOMException when Xerces cannot make the element; `child` is then unchanged
 NUVXMLUTILS_API bool BeginWriteElement(xercesc_3_0::DOMElement* parent, xercesc_3_0::DOMElement*& child,
                                        const Nuv::UniString& name);
 NUVXMLUTILS_API bool BeginWriteElement(xercesc_3_0::DOMElement* parent, xercesc_3_0::DOMElement*& child,
@@ -95,8 +95,8 @@ NUVXMLUTILS_API bool EndWriteElement(xercesc_3_0::DOMElement* parent, xercesc_3_
                                      int tabs);
 
 /// Puts a style-sheet instruction before the document element, or at the end when there is none.
-/// @param href in the local code page, inserted as it stands. False, with nothing inserted, when it is null
-/// or longer than 487 bytes
+/// @param href in the local code page, inserted without escapes
+/// @return false, with nothing inserted, when `href` is null or longer than 487 bytes
 NUVXMLUTILS_API bool WriteStyleSheet(xercesc_3_0::DOMDocument* doc, const char* href);
 
 /// @}

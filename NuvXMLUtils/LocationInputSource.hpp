@@ -25,7 +25,7 @@ class NUVXMLUTILS_API LocationBinInputStream : public xercesc_3_0::BinInputStrea
     /// How many bytes have been delivered, modulo 2^32.
     XMLFilePos curPos() const override;
 
-    /// Reads up to `maxToRead` bytes and gives their number, 0 at the end of the file.
+    /// Reads up to `maxToRead` bytes and returns their number, 0 at the end of the file.
     /// @throws xercesc_3_0::XMLPlatformUtilsException (File_CouldNotReadFromFile) when the file is not open
     ///         or cannot be read
     XMLSize_t readBytes(XMLByte* toFill, XMLSize_t maxToRead) override;
@@ -48,10 +48,11 @@ class NUVXMLUTILS_API LocationInputSource : public xercesc_3_0::InputSource
     LocationInputSource& operator=(const LocationInputSource&) = delete;
     ~LocationInputSource() override;
 
-    /// A new stream, which the caller deletes; null when the file cannot be opened or memory runs out.
+    /// Returns a new stream, which the caller deletes. Null when the file cannot be opened or memory runs
+    /// out.
     xercesc_3_0::BinInputStream* makeStream() const override;
 
-    /// Whether lack of memory is why the last makeStream gave null.
+    /// Whether the last makeStream returned null for lack of memory.
     bool RanOutOfMemory() const { return ranOutOfMemory; }
 
   private:

@@ -1,6 +1,6 @@
 /// @file
-/// Lack of memory has two faces: the application's exception, which is a std::bad_alloc, and Xerces' own,
-/// into which Xerces turns the first. Private to NuvXMLUtils.
+/// Lack of memory has two exceptions: the application's, which is a std::bad_alloc, and Xerces' own. Xerces
+/// turns the first into the second.
 #pragma once
 
 #include "NuvRoot/Exceptions.hpp"
@@ -13,7 +13,7 @@
 namespace NuvXML
 {
 
-/// Whether the exception that is being handled tells of lack of memory.
+/// Whether the exception being handled is for lack of memory.
 inline bool IsOutOfMemory()
 {
     try
@@ -34,7 +34,7 @@ inline bool IsOutOfMemory()
     }
 }
 
-/// Calls Xerces, and turns its exception for lack of memory back into the application's.
+/// Calls Xerces. Turns its exception for lack of memory into the application's.
 template <class Call>
 auto WithOwnOutOfMemory(Call call)
 {

@@ -1,5 +1,5 @@
 /// @file
-/// The lines of a document's source text, to be shown beside messages.
+/// The lines of a document's source text, for messages that show them.
 #pragma once
 
 #include "NuvRoot/UniString.hpp"
@@ -16,24 +16,24 @@
 namespace NuvXML
 {
 
-/// Text decoded, and its lines counted as XML counts them.
+/// Decoded text, with its lines as XML counts them.
 class NUVXMLUTILS_API SourceText
 {
   public:
     /// Where a long line is cut.
     static constexpr size_t MaxLineLength = 200;
 
-    /// @param bytes are not needed any longer afterwards
-    /// @param document what has been parsed from them
+    /// Decodes `bytes`, which are not needed after the call.
+    /// @param document the document that was parsed from them; it knows their encoding
     SourceText(std::string_view bytes, const xercesc_3_0::DOMDocument& document);
 
-    /// The same in an encoding that is known. Text that cannot be decoded has no lines.
+    /// The same with a given encoding. Text that cannot be decoded has no lines.
     SourceText(std::string_view bytes, const XMLCh* encoding);
 
     ~SourceText();
 
-    /// A line, counted from 1, without the white space at its ends; what is longer than MaxLineLength ends
-    /// with " ..." there. Empty when there is no such line.
+    /// Returns a line, counted from 1, without the white space at its ends. A line longer than MaxLineLength
+    /// is cut there and ends with " ...". Empty when there is no such line.
     Nuv::UniString Line(unsigned int number) const;
 
   private:

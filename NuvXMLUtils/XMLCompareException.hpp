@@ -1,9 +1,9 @@
 /// @file
-/// What a comparison throws at a difference. An exception keeps copies only, so that it stays valid after the
-/// documents are released.
+/// The exceptions that a comparison throws at a difference. An exception holds only copies, so it remains
+/// valid after the documents are released.
 ///
-/// Left is the first tree given to the comparison, Right the second; the nodes that a constructor takes are
-/// read and not kept.
+/// Left is the first tree of the comparison, Right the second. A constructor reads its nodes and does not
+/// keep them.
 #pragma once
 
 #include "InputOutput/RelativeLocation.hpp"
@@ -17,40 +17,40 @@
 namespace NuvXML
 {
 
-/// Base of all differences. It is neither a Nuv::NuvException nor a std::exception, so that a handler for
-/// those does not take a difference for a failure.
+/// Base of all differences. It is neither a Nuv::NuvException nor a std::exception, because a difference is
+/// not a failure.
 class NUVXMLUTILS_API XMLCompareException
 {
   public:
-    /// One of the two trees. Any value other than 0 stands for the right one.
+    /// One of the two trees. Every value other than 0 is the right one.
     enum Side : int
     {
         Left = 0,
         Right = 1
     };
 
-    /// With two empty node paths.
+    /// Both node paths are empty.
     XMLCompareException() = default;
 
-    /// With the paths of the two nodes; a null node has the empty path.
+    /// Copies the paths of the two nodes. The path of a null node is empty.
     XMLCompareException(const xercesc_3_0::DOMNode* leftNode, const xercesc_3_0::DOMNode* rightNode);
 
     XMLCompareException(const XMLCompareException&) = default;
     XMLCompareException& operator=(const XMLCompareException&) = default;
     virtual ~XMLCompareException() = default;
 
-    /// The difference as an English report of several lines, with both places and what differs. Characters
-    /// that the local code page lacks show as `?`; the other operations give the full text.
+    /// Returns an English report of several lines: both places, and what differs. A character that the local
+    /// code page lacks is a `?` in it. The other operations return the full text.
     virtual Nuv::UniString GetText() const;
 
-    /// The names of the nodes from the document element down to the node, one a level, without positions.
+    /// Returns the names of the nodes from the document element down to the node, without positions.
     IO::RelativeLocation GetNodePath(Side side) const;
 
-    /// The names of GetNodePath joined with `/`, in the readable form of RelativeLocation::ToURL.
+    /// Returns the names of GetNodePath joined with `/`, as RelativeLocation::ToURL shows them.
     Nuv::UniString GetNodePathUniString(Side side) const;
 
   protected:
-    /// What an exception keeps of each side.
+    /// A value for each side.
     template <class T>
     struct BothSides
     {
@@ -139,7 +139,7 @@ class NUVXMLUTILS_API NotSupportedNodeTypesException : public XMLCompareExceptio
     BothSides<int> nodeType;
 };
 
-/// Two elements, one of which has children left when those of the other are used up.
+/// Two elements of which one has more children.
 class NUVXMLUTILS_API OneNodeHasMoreChildrenThanTheOtherException : public XMLCompareException
 {
   public:

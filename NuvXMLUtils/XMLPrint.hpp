@@ -1,6 +1,5 @@
 /// @file
-/// The formatter under the DOM printer: escapes text, encodes it and sends the bytes on. Private to the
-/// library.
+/// The formatter below the DOM printer: escapes text, encodes it and passes the bytes on.
 #pragma once
 
 #include "NuvRoot/Channels.hpp"
@@ -13,7 +12,7 @@
 namespace NuvXML
 {
 
-/// Formats text. A character that the encoding lacks becomes a character reference, whatever the escape mode.
+/// Formats text. In every escape mode, a character that the encoding lacks becomes a character reference.
 class XMLPrint
 {
   public:
@@ -46,7 +45,7 @@ class XMLPrint
     XMLPrint& operator=(const XMLPrint&) = delete;
     virtual ~XMLPrint();
 
-    /// False when there is no memory for the buffer; the formatter is of no use then.
+    /// False when there is no memory for the buffer. The formatter must not be used then.
     bool IsReady() const { return buffer != nullptr; }
 
     // Writing, without escapes.
@@ -62,7 +61,7 @@ class XMLPrint
     /// Writes a few bytes as they are, before anything else: there is room for them.
     void WriteRaw(const unsigned char* bytes, size_t count);
 
-    /// Sends on what is in the buffer. Destroying the formatter does not.
+    /// Passes the buffer on. The destructor does not.
     void Flush();
 
   protected:
@@ -91,13 +90,13 @@ class XMLPrint
     std::array<EncodedToken, TokenCount> tokens;
 };
 
-/// Sends the bytes to a channel, until the channel tells an error.
+/// Writes the bytes to a channel until the channel reports an error.
 class XMLPrintTarget final : public XMLPrint
 {
   public:
     XMLPrintTarget(std::unique_ptr<TextEncoder> textEncoder, Nuv::OChannel& target);
 
-    /// False once the channel has told an error; all later output is dropped.
+    /// False after the channel has reported an error. Later output is dropped.
     bool IsOk() const { return ok; }
 
   protected:

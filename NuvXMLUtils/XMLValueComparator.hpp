@@ -1,8 +1,8 @@
 /// @file
-/// Value comparators: when two values, of text nodes or of attributes, are equal.
+/// Value comparators decide whether two values, of text nodes or of attributes, are equal.
 ///
-/// A comparator is used by one thread at a time, and again and again for other values if its owner likes.
-/// None of them throws on a value: what is not a number is simply not equal to a number.
+/// A comparator can be used again for other values, by one thread at a time. No value makes it throw: a text
+/// that is not a number does not equal a number.
 #pragma once
 
 #include "NuvRoot/UniString.hpp"
@@ -18,8 +18,7 @@ namespace NuvXML
 
 class IXMLCompareOptions;
 
-/// Decides about two values. A subclass overrides IsEqual and reads the values through LeftValue and
-/// RightValue, wherever they stand.
+/// Compares two values. A subclass overrides IsEqual and reads the values through LeftValue and RightValue.
 class NUVXMLUTILS_API XMLValueComparator
 {
   private:
@@ -42,7 +41,7 @@ class NUVXMLUTILS_API XMLValueComparator
                        const IXMLCompareOptions& options);
 
   protected:
-    /// The current values, as they stand. Valid until the next CompareValues.
+    /// The current values, with all their white space. Valid until the next CompareValues.
     std::u16string_view LeftValue() const;
     std::u16string_view RightValue() const;
 
@@ -58,14 +57,14 @@ class NUVXMLUTILS_API XMLValueComparator
     bool isTextNodeMode = false;
 };
 
-/// Equal without regard to case (full Unicode case folding) and to white space at both ends.
+/// Equal except for case (full Unicode case folding) and white space at both ends.
 class NUVXMLUTILS_API XMLCompareString : public XMLValueComparator
 {
   private:
     bool IsEqual() const override;
 };
 
-/// Equal but for white space at both ends.
+/// Equal except for white space at both ends.
 class NUVXMLUTILS_API XMLCompareStringCaseSensitive : public XMLCompareString
 {
   private:
@@ -80,7 +79,7 @@ class NUVXMLUTILS_API XMLCompareInt : public XMLValueComparator
 };
 
 /// Equal when both are numbers (see Nuv::strtovalue) whose absolute difference is less than the epsilon of
-/// the options, or is 0 when the epsilon is 0. A negative epsilon makes every pair a mismatch.
+/// the options, or is 0 when the epsilon is 0. With a negative epsilon no pair is equal.
 class NUVXMLUTILS_API XMLCompareDouble : public XMLValueComparator
 {
   private:
