@@ -1,5 +1,5 @@
 /// @file
-/// Characters in UTF-16 text: surrogate pairs and character references. Private to the library.
+/// Characters in UTF-16 text: surrogate pairs and character references.
 #pragma once
 
 #include "NuvXMLUtils/Xerces.hpp"
@@ -17,13 +17,13 @@ constexpr bool IsSurrogate(char16_t unit) { return (unit & 0xF800) == 0xD800; }
 constexpr bool IsLeadSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
 constexpr bool IsTrailSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
 
-/// Whether a whole pair stands at `text`, which is before `end`.
+/// Whether a whole pair begins at `text`, which is before `end`.
 constexpr bool IsPairAt(const char16_t* text, const char16_t* end)
 {
     return IsLeadSurrogate(*text) && end - text > 1 && IsTrailSurrogate(text[1]);
 }
 
-/// How many units the character at `text` has, which is before `end`; half a pair is a character of its own.
+/// The number of units of the character at `text`, which is before `end`. A lone surrogate is a character.
 constexpr size_t LengthOfCharacterAt(const char16_t* text, const char16_t* end)
 {
     return IsPairAt(text, end) ? 2 : 1;
@@ -37,7 +37,7 @@ constexpr char32_t CharacterAt(const char16_t* text, const char16_t* end)
            (static_cast<char32_t>(text[1]) - 0xDC00);
 }
 
-/// Whether a character is half a surrogate pair.
+/// Whether a character is a lone surrogate.
 constexpr bool IsHalf(char32_t character) { return (character & ~char32_t(0x7FF)) == 0xD800; }
 
 /// The character reference, e.g. "&#x1F600;".

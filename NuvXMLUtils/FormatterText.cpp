@@ -1,6 +1,7 @@
 #include "NuvXMLUtils/FormatterText.hpp"
 
 #include "NuvXMLUtils/Characters.hpp"
+#include "NuvXMLUtils/TextView.hpp"
 
 #include <algorithm>
 #include <string_view>
@@ -13,7 +14,7 @@ namespace
 
 using xercesc_3_0::XMLFormatter;
 
-/// What becomes of the characters of one kind of text.
+/// The characters that need escapes in one kind of text.
 class Escapes
 {
   public:
@@ -62,11 +63,6 @@ std::u16string_view EntityFor(XMLCh character)
     }
 }
 
-std::u16string_view ViewOf(const XMLCh* text)
-{
-    return text ? std::u16string_view(text) : std::u16string_view();
-}
-
 } // namespace
 
 FormatterText::FormatterText(XMLFormatter& target)
@@ -82,24 +78,35 @@ void FormatterText::WriteCharacters(const XMLCh* chars, XMLSize_t length)
     std::u16string_view text(chars, length);
     if (text.empty())
         return;
-    if (heldHalf != 0 && IsTrailSurrogate(text.front()))
-    {
-        const XMLCh pair[] = {std::exchange(heldHalf, XMLCh(0)), text.front()};
-        Send(std::u16string_view(pair, std::size(pair)));
-        text.remove_prefix(1);
-    }
+    SendCompletedPair(text);
     BeginEvent();
-    if (!text.empty() && IsLeadSurrogate(text.back()))
-    {
-        heldHalf = text.back();
-        text.remove_suffix(1);
-    }
+    HoldHalfAtEnd(text);
     if (event.empty() && CharacterEscapes.Find(text) == text.size())
         return Send(text);
     WriteEscaped(text, XMLFormatter::CharEscapes);
     EndEvent();
 }
 
+/// Sends the held half together with the first unit of `text` when the two are a pair.
+void FormatterText::SendCompletedPair(std::u16string_view& text)
+{
+    if (heldHalf == 0 || !IsTrailSurrogate(text.front()))
+        return;
+    const XMLCh pair[] = {std::exchange(heldHalf, XMLCh(0)), text.front()};
+    Send(std::u16string_view(pair, std::size(pair)));
+    text.remove_prefix(1);
+}
+
+/// Holds the first half of a pair at the end of `text` back for the next event.
+void FormatterText::HoldHalfAtEnd(std::u16string_view& text)
+{
+    if (text.empty() || !IsLeadSurrogate(text.back()))
+        return;
+    heldHalf = text.back();
+    text.remove_suffix(1);
+}
+
+/// A half that is still held has no other half: it is the first character of this event.
 void FormatterText::BeginEvent()
 {
     event.clear();
@@ -155,7 +162,8 @@ void FormatterText::Send(std::u16string_view block)
     }
 }
 
-/// Writes a character that the encoding lacks as the formatter is told to; half a pair is always a reference.
+/// Writes a character that the encoding lacks by the settings of the formatter. A lone surrogate is always a
+/// reference.
 void FormatterText::FormatLacking(const XMLCh* text, const XMLCh* end)
 {
     const char32_t character = CharacterAt(text, end);
@@ -174,7 +182,7 @@ void FormatterText::SendBytes(FreeBytes& bytes)
     const auto count = static_cast<XMLSize_t>(bytes.next - buffer.data());
     std::fill_n(bytes.next, TerminatorSize, static_cast<unsigned char>(0));
     bytes.next = buffer.data();
-    // The operation by which a formatter sends bytes on as they are, whatever they are.
+    // writeBOM passes any bytes on as they are.
     if (count != 0)
         formatter.writeBOM(buffer.data(), count);
 }

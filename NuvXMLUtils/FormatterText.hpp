@@ -48,6 +48,8 @@ class FormatterText
     void EndEvent();
 
   private:
+    void SendCompletedPair(std::u16string_view& text);
+    void HoldHalfAtEnd(std::u16string_view& text);
     void WriteEscaped(std::u16string_view text, EscapeFlags escapes);
     void Send(std::u16string_view text);
     void FormatLacking(const XMLCh* text, const XMLCh* end);
@@ -59,7 +61,7 @@ class FormatterText
     xercesc_3_0::XMLFormatter& formatter;
     std::unique_ptr<TextEncoder> encoder;
     std::u16string event;
-    XMLCh heldHalf = 0;
+    XMLCh heldHalf = 0; ///< the first half of a pair that may be completed by the next event; 0 for none
     std::array<unsigned char, 0x1000 + TerminatorSize> buffer;
 };
 

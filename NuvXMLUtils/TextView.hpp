@@ -1,5 +1,5 @@
 /// @file
-/// Text that Xerces owns, seen without a copy. Private to the library.
+/// Text that Xerces owns, seen without a copy.
 #pragma once
 
 #include "NuvXMLUtils/Xerces.hpp"

@@ -71,45 +71,48 @@ void XMLPrint::Write(Token token)
     else
         std::memcpy(freeBytes.next, encoded.bytes.data(), encoded.count);
     freeBytes.next += encoded.count;
-    lastWritten = 0;
+    written = {};
 }
 
 void XMLPrint::Format(const char16_t* text, size_t length, EscapeMode mode)
 {
-    const char16_t* position = text;
     const char16_t* const end = text + length;
-    for (Stop stop; (stop = encoder->Encode(position, end, EscapeLists[mode], freeBytes)) != Stop::AtEnd;)
+    for (;;)
     {
-        if (stop == Stop::NoRoom)
+        const char16_t* const start = text;
+        const Stop stop = encoder->Encode(text, end, EscapeLists[mode], freeBytes);
+        written.Append(start, text);
+        switch (stop)
+        {
+        case Stop::AtEnd:
+            return;
+        case Stop::NoRoom:
             Flush();
-        else if (stop == Stop::AtLacking)
-        {
-            const std::u16string reference = ReferenceTo(CharacterAt(position, end));
-            Format(reference.data(), reference.length(), NoEscapes);
-            position += LengthOfCharacterAt(position, end);
+            break;
+        case Stop::AtListed:
+            FormatListed(*text);
+            ++text;
+            break;
+        case Stop::AtLacking:
+            FormatReference(CharacterAt(text, end));
+            text += LengthOfCharacterAt(text, end);
+            break;
         }
-        else
-        {
-            const char16_t previous = position - text > 0 ? position[-1] : lastWritten;
-            const char16_t beforePrevious = position - text > 1   ? position[-2]
-                                            : position - text > 0 ? lastWritten
-                                                                  : writtenBeforeLast;
-            FormatListed(*position, previous, beforePrevious);
-            ++position;
-        }
-    }
-    if (length > 0)
-    {
-        writtenBeforeLast = length > 1 ? end[-2] : lastWritten;
-        lastWritten = end[-1];
     }
 }
 
-void XMLPrint::FormatListed(char16_t character, char16_t previous, char16_t beforePrevious)
+void XMLPrint::FormatListed(char16_t character)
 {
-    if (character == u'>' && !(previous == u']' && beforePrevious == u']'))
-        return Format(&character, 1, NoEscapes);
-    Write(EntityFor(character));
+    if (character == u'>' && !written.EndsInBrackets())
+        Format(&character, 1, NoEscapes);
+    else
+        Write(EntityFor(character));
+}
+
+void XMLPrint::FormatReference(char32_t character)
+{
+    const std::u16string reference = ReferenceTo(character);
+    Format(reference.data(), reference.length(), NoEscapes);
 }
 
 void XMLPrint::Encode(Token token)

@@ -73,18 +73,35 @@ class XMLPrint
 
     static constexpr size_t TokenCount = ValueClose + 1;
 
+    /// The last two units that were written as they are: they decide about the `>` of "]]>".
+    struct Written
+    {
+        char16_t beforeLast = 0;
+        char16_t last = 0;
+
+        void Append(const char16_t* text, const char16_t* end)
+        {
+            if (text == end)
+                return;
+            beforeLast = end - text > 1 ? end[-2] : last;
+            last = end[-1];
+        }
+
+        bool EndsInBrackets() const { return beforeLast == u']' && last == u']'; }
+    };
+
     struct EncodedToken
     {
         std::array<unsigned char, 6 * TextEncoder::MaxBytesPerCharacter> bytes;
         size_t count = 0;
     };
 
-    void FormatListed(char16_t character, char16_t previous, char16_t beforePrevious);
+    void FormatListed(char16_t character);
+    void FormatReference(char32_t character);
     void Encode(Token token);
 
     std::unique_ptr<TextEncoder> encoder;
-    char16_t lastWritten = 0;
-    char16_t writtenBeforeLast = 0;
+    Written written;
     std::unique_ptr<unsigned char[]> buffer;
     FreeBytes freeBytes;
     std::array<EncodedToken, TokenCount> tokens;
