@@ -144,14 +144,14 @@ void WriteChannelTexts()
                "Thrown as NuvXML::XMLIChannelException by the functions that make a channel, and as "
                "NuvXML::DOMReaderException "
                "by the constructors of the class behind it.",
-               {{"the text is not well-formed, or there is no such file",
+               {{"the text is not well-formed or not valid, or there is no such file",
                  [](UniString&) { CreateXMLIChannelFromMemory(UniString(u"<Wall>"), true); }},
-                {"the same, told by the reader's own constructor",
+                {"the same, from the reader's own constructor",
                  [](UniString&) { NuvXML::DOMReader(Bytes("<Wall>"), 6); }},
                 {"the same for a file", [](UniString&) { NuvXML::DOMReader(IO::Location(u"none.xml")); }}});
     WriteTable("Reading from a channel",
                "Messages of the reader, beside the status -7003. The guard puts the location before them.",
-               {{"there is no element of this name where the reader stands",
+               {{"there is no element of this name where the reader is",
                  [](UniString& text)
                  {
                      int height = 0;
@@ -185,9 +185,9 @@ void WriteChannelTexts()
 void WriteLoadingTexts()
 {
     WriteTable("Loading and validating",
-               "Told in `errorMessage`, beside null or false. Most texts are those of Xerces, in its words.",
+               "In `errorMessage`, beside null or false. Most texts are those of Xerces, in its words.",
                {{"an example of Xerces' own", [](UniString& text) { text = Load("<Wall></Well>"); }},
-                {"the file of the schema is not there, or is a folder, or access is denied",
+                {"the file of the schema does not exist, is a folder, or cannot be read",
                  [](UniString& text) { text = LoadSchema(u"none.xsd"); }},
                 {"Xerces gave up without a reason, here at a document type with two colons",
                  [](UniString& text) { text = Load("<!DOCTYPE a:b:c [<!ELEMENT a EMPTY>]><a/>"); }}});
@@ -197,10 +197,10 @@ void WriteHelperTexts()
 {
     WriteTable(
         "Small documents by hand",
-        "Messages of NuvXMLUtils::ConvException, but for the last one. What stands before the last `;` "
-        "was "
-        "put there by the functions on the way up.",
-        {{"not exactly a whole number: anything else stands in it",
+        "Messages of NuvXMLUtils::ConvException, except for the last one. The functions on the way up have "
+        "put "
+        "there what is before the last `;`.",
+        {{"not exactly a whole number: the text has something else in it",
           [](UniString&) { GetSLongTag(Document("<height>2.75</height>")); }},
          {"above 2147483647, of unsigned numbers above 4294967295",
           [](UniString&) { GetSLongTag(Document("<height>2147483648</height>")); }},
@@ -226,7 +226,7 @@ void WriteHelperTexts()
           [](UniString&) { GetCDATANodeU(Document("<title><![CDATA['a']]><![CDATA['b']]></title>")); }},
          {"an element beside the section",
           [](UniString&) { GetCDATANodeU(Document("<title><![CDATA['a']]><b/></title>")); }},
-         {"the 8-bit forms write it so", [](UniString&) { GetCDATANode(Document("<title/>")); }},
+         {"the same, from the 8-bit forms", [](UniString&) { GetCDATANode(Document("<title/>")); }},
          {"the section is empty", [](UniString&) { GetCDATANode(Document("<title><![CDATA[]]></title>")); }},
          {"a warning: some characters became question marks",
           [](UniString& text)
@@ -243,7 +243,7 @@ void WriteHelperTexts()
 void WriteDifferences()
 {
     WriteReports(
-        "Comparing", "What NuvXML::XMLCompareException::GetText gives, under the name of each class.",
+        "Comparing", "What NuvXML::XMLCompareException::GetText returns, under the name of each class.",
         {{"TextNodeValuesDontMatchException", [](UniString&) { Compare("<a>1</a>", "<a>2</a>"); }},
          {"AttributesDontMatchException", [](UniString&) { Compare("<a b='1'/>", "<a b='2'/>"); }},
          {"AttributeMissingException", [](UniString&) { Compare("<a b='1'/>", "<a/>"); }},
@@ -269,17 +269,14 @@ void WriteFaultsOfTheProgram()
     {
         const NuvXML::XercescInitializer stopsXerces;
     }
-    WriteTable(
-        "While Xerces is not running",
-        "Only after somebody has stopped it: XMLOChannelException, DOMBuilderException and the texts of "
-        "loading.",
-        {{"NuvXML::XMLOChannelException from CreateXMLOChannel",
-          [](UniString&) { NuvXML::CreateXMLOChannel(true); }},
-         {"NuvXML::DOMBuilderException from a builder over no file",
-          [](UniString&) { NuvXML::DOMBuilder(); }},
-         {"the same over a file", [](UniString&) { NuvXML::DOMBuilder(IO::Location(u"none.xml")); }},
-         {"ParseXMLDoc", [](UniString& text) { text = Load("<Wall/>"); }},
-         {"LoadSchema", [](UniString& text) { text = LoadSchema(u"walls.xsd"); }}});
+    WriteTable("While Xerces is not running", "Only after somebody has stopped it.",
+               {{"NuvXML::XMLOChannelException from CreateXMLOChannel",
+                 [](UniString&) { NuvXML::CreateXMLOChannel(true); }},
+                {"NuvXML::DOMBuilderException from a builder over no file",
+                 [](UniString&) { NuvXML::DOMBuilder(); }},
+                {"the same over a file", [](UniString&) { NuvXML::DOMBuilder(IO::Location(u"none.xml")); }},
+                {"ParseXMLDoc", [](UniString& text) { text = Load("<Wall/>"); }},
+                {"LoadSchema", [](UniString& text) { text = LoadSchema(u"walls.xsd"); }}});
 }
 
 } // namespace
@@ -287,9 +284,10 @@ void WriteFaultsOfTheProgram()
 int main()
 {
     Nuv::SetLocalCodePage("ISO-8859-1");
-    std::cout
-        << "# All messages {#manual_messages}\n\nWritten by `examples/manual/messages.cpp`, which makes "
-           "every mistake once.\n";
+    std::cout << "# All messages {#manual_messages}\n\nYou see a message and want to know where it comes "
+                 "from. This "
+                 "page lists the texts of the library, each with the mistake that leads to it. "
+                 "`examples/manual/messages.cpp` makes each mistake once and has written the page.\n";
     WriteChannelTexts();
     WriteLoadingTexts();
     WriteHelperTexts();
