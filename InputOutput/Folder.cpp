@@ -3,6 +3,8 @@
 #include "InputOutput/SystemErrors.hpp"
 #include "NuvRoot/Guid.hpp"
 
+#include <string>
+
 #include <sys/stat.h>
 
 namespace IO
@@ -24,8 +26,11 @@ int Folder::GenerateUnusedName(const Nuv::UniString& prefix, Name& name) const
         const Name candidate(prefix + Nuv::Guid::Generate().ToUniString());
         Location file = location;
         file.AppendToLocal(candidate);
+        const std::string path = file.ToNativePath();
+        if (path.empty())
+            return OtherError;
         // A link that leads nowhere has its name all the same.
-        if (lstat(file.ToNativePath().c_str(), &properties) == 0)
+        if (lstat(path.c_str(), &properties) == 0)
             continue;
         if (const int code = CodeOfLastError(); code != NotFound)
             return code;

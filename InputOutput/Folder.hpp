@@ -15,7 +15,8 @@ class INPUTOUTPUT_API Folder
 
     /// Makes a name of `prefix` and the text of a new GUID, which nothing in the folder has, and which
     /// is too rare to be there with an extension. Nothing is created. On failure `name` stays as it was:
-    /// NotFound when there is no such folder, OtherError when `prefix` is too long for a name.
+    /// NotFound when there is no such folder, OtherError when `prefix` is too long for a name, or has a zero
+    /// unit or half a surrogate pair.
     int GenerateUnusedName(const Nuv::UniString& prefix, Name& name) const;
 
   private:

@@ -2,6 +2,7 @@
 
 #include "InputOutput/PercentEncoding.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <filesystem>
@@ -14,7 +15,8 @@ namespace
 {
 
 constexpr std::u16string_view FileScheme = u"file:";
-constexpr std::string_view LocalHost = "//localhost/";
+constexpr std::u16string_view AuthorityMark = u"//";
+constexpr std::u16string_view LocalHost = u"localhost";
 
 /// What a path segment of a URL may hold (RFC 3986, "pchar"), and the slash between segments.
 bool MayStandInURLPath(unsigned char byte)
@@ -23,19 +25,32 @@ bool MayStandInURLPath(unsigned char byte)
            (byte != 0 && std::strchr("-._~!$&'()*+,;=:@/", byte) != nullptr);
 }
 
-bool IsFileURL(std::u16string_view text)
+char16_t ASCIILower(char16_t unit)
 {
-    return Nuv::EqualIgnoringCase(text.substr(0, FileScheme.size()), FileScheme);
+    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit - u'A' + u'a') : unit;
 }
 
-/// The path part of what follows `file:`.
-std::string_view WithoutAuthority(std::string_view rest)
+/// Schemes and hosts are ASCII: full case folding would take U+FB01 for "fi".
+bool IsInAnyCase(std::u16string_view text, std::u16string_view lowerCase)
 {
-    if (rest.substr(0, LocalHost.size()) == LocalHost)
-        rest.remove_prefix(LocalHost.size() - 1);
-    else if (rest.substr(0, 2) == "//")
-        rest.remove_prefix(2);
-    return rest;
+    return std::equal(text.begin(), text.end(), lowerCase.begin(), lowerCase.end(),
+                      [](char16_t unit, char16_t lower) { return ASCIILower(unit) == lower; });
+}
+
+bool IsFileURL(std::u16string_view text)
+{
+    return IsInAnyCase(text.substr(0, FileScheme.size()), FileScheme);
+}
+
+/// The path in what follows `file:`; empty when the file is on another host.
+std::u16string_view WithoutAuthority(std::u16string_view rest)
+{
+    if (!rest.starts_with(AuthorityMark))
+        return rest;
+    rest.remove_prefix(AuthorityMark.size());
+    const size_t slash = std::min(rest.find(u'/'), rest.size());
+    const std::u16string_view host = rest.substr(0, slash);
+    return host.empty() || IsInAnyCase(host, LocalHost) ? rest.substr(slash) : std::u16string_view();
 }
 
 std::u16string_view WithoutTrailingSlashes(std::u16string_view path)
@@ -71,8 +86,17 @@ void Location::Set(const Nuv::UniString& pathOrURL)
         path = pathOrURL;
         return;
     }
-    const std::string rest = Nuv::UniString(pathOrURL.View().substr(FileScheme.size())).ToUTF8();
-    path = Nuv::UniString::FromUTF8(PercentDecode(WithoutAuthority(rest)));
+    const Nuv::UniString encoded(WithoutAuthority(pathOrURL.View().substr(FileScheme.size())));
+    const std::string bytes = PercentDecode(encoded.ToUTF8());
+    const Nuv::UniString decoded = Nuv::UniString::FromUTF8(bytes);
+    path = decoded.ToUTF8() == bytes ? decoded : Nuv::UniString();
+}
+
+std::string Location::ToNativePath() const
+{
+    const std::string bytes = path.ToUTF8();
+    const bool isPath = bytes.find('\0') == bytes.npos && Nuv::UniString::FromUTF8(bytes) == path;
+    return isPath ? bytes : std::string();
 }
 
 Nuv::UniString Location::ToURL() const

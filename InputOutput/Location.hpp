@@ -19,9 +19,10 @@ class INPUTOUTPUT_API Location
     Location() = default;
     explicit Location(const Nuv::UniString& pathOrURL);
 
-    /// Takes a path as it stands, or a `file:` URL (RFC 8089; `file:///a`, `file://localhost/a` and `file:/a`
-    /// mean the same), whose percent-encoded bytes are decoded as UTF-8. A `%` that two hexadecimal digits do
-    /// not follow stands for itself, and so do `%00`, `?` and `#`.
+    /// Takes a path as it is, or a `file:` URL (RFC 8089; `file:///a`, `file://localhost/a` and `file:/a`
+    /// mean the same; scheme and host in any case), whose percent-encoded bytes are decoded as UTF-8. A `%`
+    /// without two hexadecimal digits behind it means itself, and so do `%00`, `?` and `#`. A URL of another
+    /// host, or with bytes that are not UTF-8, makes the location empty.
     void Set(const Nuv::UniString& pathOrURL);
 
     bool IsEmpty() const { return path.IsEmpty(); }
@@ -29,11 +30,14 @@ class INPUTOUTPUT_API Location
     /// The path as it was given; relative paths stay relative.
     const Nuv::UniString& ToPath() const { return path; }
 
-    /// The path as UTF-8, as the operating system takes it.
-    std::string ToNativePath() const { return path.ToUTF8(); }
+    /// The path as UTF-8, as the operating system takes it. Empty, so that no file is found, for a path that
+    /// no file can have: with a zero unit, where the operating system would take a shorter name, or with half
+    /// a surrogate pair.
+    std::string ToNativePath() const;
 
     /// `file:///...` of the absolute path, percent-encoded UTF-8. Set gives the same path back. Empty for an
-    /// empty location, and for a relative path when the current folder is not known (because it is deleted).
+    /// empty location, for a path that no file can have, and for a relative path when the current folder is
+    /// not known (because it is deleted).
     Nuv::UniString ToURL() const;
 
     /// The path, for messages; empty for an empty location.

@@ -22,8 +22,9 @@ class INPUTOUTPUT_API RelativeLocation
     bool IsEmpty() const { return names.empty(); }
     const Nuv::Array<Name>& GetNames() const { return names; }
 
-    /// `file://` followed by the names, joined with `/`. Names stay readable: only `%`, `/` and ASCII control
-    /// characters are percent-encoded (as UTF-8), so that `#text` shows as it is.
+    /// A form to show: `file://` followed by the names, joined with `/`. Names stay readable: only `%`, `/`
+    /// and ASCII control characters are percent-encoded (as UTF-8), so that `#text` shows as it is. It is not
+    /// a URL that Location takes, which would read the first name as a host.
     Nuv::UniString ToURL() const;
 
     friend bool operator==(const RelativeLocation&, const RelativeLocation&) = default;

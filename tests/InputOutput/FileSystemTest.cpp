@@ -70,6 +70,15 @@ TEST(FileSystem, TellsThatThereIsNothingToDelete)
     EXPECT_EQ(Delete(Location()), NotFound);
 }
 
+TEST(FileSystem, DeletesNoFileOfTheNameUpToAZero)
+{
+    const ScratchFolder scratch;
+    Location location(scratch.Write("file", "kept"));
+    location = Location(location.ToPath() + Nuv::UniString(u"\0.xml", 5));
+    EXPECT_EQ(Delete(location), NotFound);
+    EXPECT_EQ(scratch.Read("file"), "kept");
+}
+
 TEST(FileSystem, DeletesNoFolder)
 {
     const ScratchFolder scratch;

@@ -261,6 +261,23 @@ TEST_F(FileTest, FailsOnANameThatIsTooLong)
     EXPECT_EQ(OpenToWrite(LocationOf(std::string(1000, 'a'))), OtherError);
 }
 
+TEST_F(FileTest, IsNotTheFileWithTheNameUpToAZero)
+{
+    scratch.Write("file", "kept");
+    scratch.Write("\xEF\xBF\xBD", "kept");
+    for (const std::u16string_view name :
+         {std::u16string_view(u"file\0.xml", 9), std::u16string_view(u"\xD800")})
+    {
+        Location location(scratch.PathOf(""));
+        location.AppendToLocal(Name(name));
+        EXPECT_EQ(StatusOf(location, FailWhenNotFound), NotFound);
+        EXPECT_EQ(OpenToRead(location), NotFound);
+        EXPECT_EQ(OpenToWrite(location), NotFound);
+    }
+    EXPECT_EQ(scratch.Read("file"), "kept");
+    EXPECT_EQ(scratch.Read("\xEF\xBF\xBD"), "kept");
+}
+
 // Folders.
 
 TEST_F(FileTest, FailsToOpenAFolder)

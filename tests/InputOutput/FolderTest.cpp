@@ -72,6 +72,24 @@ TEST(Folder, GeneratesNoNameThatIsTooLong)
     EXPECT_EQ(name.ToUniString(), u"old");
 }
 
+TEST(Folder, GeneratesNoNameThatNoFileCanHave)
+{
+    const ScratchFolder scratch;
+    Name name(u"old");
+    EXPECT_EQ(FolderOf(scratch).GenerateUnusedName(UniString(u"a\0b", 3), name), OtherError);
+    EXPECT_EQ(FolderOf(scratch).GenerateUnusedName(UniString(u"\xD800"), name), OtherError);
+    EXPECT_EQ(name.ToUniString(), u"old");
+}
+
+TEST(Folder, GeneratesNoNameInTheFolderWithTheNameUpToAZero)
+{
+    const ScratchFolder scratch;
+    Name name(u"old");
+    const Location folder(scratch.PathOf("") + UniString(u"\0", 1));
+    EXPECT_EQ(Folder(folder).GenerateUnusedName(u"p", name), NotFound);
+    EXPECT_EQ(name.ToUniString(), u"old");
+}
+
 TEST(Folder, GeneratesNoNameWhereItCannotLook)
 {
     const ScratchFolder scratch;

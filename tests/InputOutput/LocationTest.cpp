@@ -7,10 +7,12 @@
 
 #include <filesystem>
 #include <random>
+#include <string_view>
 
 namespace
 {
 
+using namespace std::string_view_literals;
 using IO::Location;
 using IO::Name;
 using IO::RelativeLocation;
@@ -74,8 +76,56 @@ TEST(Location, TakesAFileURL)
     EXPECT_EQ(PathOf(u"file://localhost/a/b"), u"/a/b");
     EXPECT_EQ(PathOf(u"file:/a/b"), u"/a/b");
     EXPECT_EQ(PathOf(u"FILE:///a/b"), u"/a/b");
+    EXPECT_EQ(PathOf(u"fIlE://LocalHost/a/b"), u"/a/b");
+    EXPECT_EQ(PathOf(u"file:////a/b"), u"//a/b");
     EXPECT_EQ(PathOf(u"file:///"), u"/");
     EXPECT_EQ(PathOf(u"file:"), u"");
+    EXPECT_EQ(PathOf(u"file://"), u"");
+    EXPECT_EQ(PathOf(u"file://localhost"), u"");
+}
+
+TEST(Location, TakesOnlyASCIILettersForTheSchemeAndTheHost)
+{
+    for (const char16_t* path :
+         {u"\uFB01le:", u"\uFB01le:/a", u"f\u0131le:/a", u"fil\u1E9E:/a", u"\uFF46ile:/a"})
+        EXPECT_EQ(PathOf(path), path);
+    EXPECT_EQ(PathOf(u"file://localho\uFB06/a"), u"");
+    EXPECT_EQ(PathOf(u"file://local\u212Aost/a"), u"");
+}
+
+TEST(Location, IsEmptyForAFileURLOfAnotherHost)
+{
+    for (const char16_t* url :
+         {u"file://server/share/a.xml", u"file://server", u"FILE://Server/a", u"file://localhost:80/a",
+          u"file://user@localhost/a", u"file://localhost./a", u"file://127.0.0.1/a", u"file://C:/a",
+          u"file://./a", u"file://../a", u"file://%6Cocalhost/a", u"file://\\\\server\\share", u"file://?/a"})
+        EXPECT_TRUE(Location(url).IsEmpty()) << UniString(url);
+    Location location(u"/old");
+    location.Set(u"file://server/a");
+    EXPECT_TRUE(location.IsEmpty());
+}
+
+TEST(Location, IsEmptyForTheDisplayFormOfARelativeLocation)
+{
+    EXPECT_TRUE(Location(RelativeLocation(Name(u"a")).ToURL()).IsEmpty());
+}
+
+TEST(Location, IsEmptyForAFileURLThatIsNotUTF8)
+{
+    for (const char16_t* url : {u"file:///a%FF", u"file:///%C3", u"file:///%C0%80", u"file:///%ED%A0%80"})
+        EXPECT_TRUE(Location(url).IsEmpty()) << UniString(url);
+    EXPECT_EQ(PathOf(u"file:///%EF%BF%BD"), u"/\uFFFD");
+}
+
+TEST(Location, HasNoNativePathAndNoURLWhereNoFileCanHaveThePath)
+{
+    for (const std::u16string_view path : {u"/a\0b"sv, u"\0"sv, u"/a\0"sv, u"/a\xD800"sv, u"\xDC00/a"sv})
+    {
+        EXPECT_EQ(Location(path).ToPath(), path);
+        EXPECT_EQ(Location(path).ToNativePath(), "");
+        EXPECT_EQ(Location(path).ToURL(), u"");
+    }
+    EXPECT_EQ(Location(u"/a\uFFFD").ToNativePath(), "/a\xEF\xBF\xBD");
 }
 
 TEST(Location, DecodesAFileURLAsUTF8)
