@@ -74,6 +74,9 @@ class Ref
 
     friend bool operator==(const Ref& left, const Ref& right) { return left.object == right.object; }
 
+    /// Makes no reference: one to an object that nobody holds yet would end its life.
+    friend bool operator==(const Ref& left, const T* right) { return left.object == right; }
+
   private:
     T* object = nullptr;
 };

@@ -118,6 +118,22 @@ TEST(Ref, IsEqualToReferencesToTheSameObject)
     EXPECT_TRUE(first != second);
 }
 
+TEST(Ref, IsComparedWithAPointerThatNobodyHolds)
+{
+    int deletions = 0;
+    const Ref<Counted> reference(new Counted(deletions));
+    auto* const loose = new Counted(deletions);
+    EXPECT_FALSE(reference == loose);
+    EXPECT_TRUE(loose != reference);
+    EXPECT_EQ(deletions, 0);
+    const Ref<const Counted> held(loose);
+    EXPECT_TRUE(held == loose);
+    EXPECT_TRUE(static_cast<const Nuv::SharedObject*>(loose) == Ref<Nuv::SharedObject>(loose));
+    EXPECT_FALSE(held == nullptr);
+    EXPECT_TRUE(Ref<Counted>() == nullptr);
+    EXPECT_EQ(loose->GetReferenceCount(), 1);
+}
+
 TEST(Ref, CountsCopiesAndMovesNone)
 {
     int deletions = 0;
