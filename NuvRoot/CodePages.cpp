@@ -6,11 +6,12 @@
 #include <unicode/ucnv_cb.h>
 #include <unicode/ustring.h>
 #include <unicode/utf16.h>
+#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <langinfo.h>
-#include <limits>
 #include <locale.h>
 #include <memory>
 #include <optional>
@@ -109,36 +110,50 @@ LocalCodePage& Local()
     return page;
 }
 
-/// ICU counts in 32 bits.
-int32_t CheckedLength(size_t length)
+// ICU counts in 32 bits; so text is converted in pieces, of which the result goes to `take` one after the
+// other.
+
+constexpr size_t PieceLength = 0x400;
+
+template <class Take>
+void DecodeUTF8(std::string_view text, Take take)
 {
-    if (length > static_cast<size_t>(std::numeric_limits<int32_t>::max()))
-        throw GeneralException(UniString(u"The text is too long to be converted."), "CodePages", __LINE__);
-    return static_cast<int32_t>(length);
+    while (!text.empty())
+    {
+        std::string_view piece = text.substr(0, PieceLength);
+        int32_t length = static_cast<int32_t>(piece.size());
+        if (piece.size() < text.size())
+            U8_TRUNCATE_IF_INCOMPLETE(piece.data(), 0, length);
+        UChar units[PieceLength]; // one a byte is enough
+        int32_t count = 0;
+        UErrorCode status = U_ZERO_ERROR;
+        u_strFromUTF8WithSub(units, PieceLength, &count, piece.data(), length, 0xFFFD, nullptr, &status);
+        take(std::u16string_view(units, static_cast<size_t>(count)));
+        text.remove_prefix(static_cast<size_t>(length));
+    }
 }
 
-std::u16string DecodeUTF8(std::string_view text)
+/// @return false when something is lost that may not be
+template <class Take>
+bool EncodeUTF8(std::u16string_view text, CodePages::OnLoss onLoss, char32_t replacement, Take take)
 {
-    std::u16string units(text.size(), u'\0');
-    int32_t length = 0;
-    UErrorCode status = U_ZERO_ERROR;
-    u_strFromUTF8WithSub(units.data(), static_cast<int32_t>(units.size()), &length, text.data(),
-                         CheckedLength(text.size()), 0xFFFD, nullptr, &status);
-    units.resize(static_cast<size_t>(length));
-    return units;
-}
-
-bool EncodeUTF8(std::u16string_view text, CodePages::OnLoss onLoss, std::string& out, char32_t replacement)
-{
-    const size_t start = out.size();
-    out.resize(start + text.size() * 3);
-    int32_t length = 0;
-    int32_t replaced = 0;
-    UErrorCode status = U_ZERO_ERROR;
-    u_strToUTF8WithSub(out.data() + start, CheckedLength(out.size() - start), &length, text.data(),
-                       CheckedLength(text.size()), static_cast<UChar32>(replacement), &replaced, &status);
-    out.resize(start + static_cast<size_t>(length));
-    return onLoss == CodePages::OnLoss::Replace || replaced == 0;
+    while (!text.empty())
+    {
+        size_t length = std::min(text.size(), PieceLength);
+        if (length < text.size() && U16_IS_LEAD(text[length - 1]))
+            --length;
+        char bytes[PieceLength * 3];
+        int32_t count = 0;
+        int32_t replaced = 0;
+        UErrorCode status = U_ZERO_ERROR;
+        u_strToUTF8WithSub(bytes, std::size(bytes), &count, text.data(), static_cast<int32_t>(length),
+                           static_cast<UChar32>(replacement), &replaced, &status);
+        if (replaced != 0 && onLoss == CodePages::OnLoss::Fail)
+            return false;
+        take(std::string_view(bytes, static_cast<size_t>(count)));
+        text.remove_prefix(length);
+    }
+    return true;
 }
 
 bool IsConversionFault(UConverterCallbackReason reason)
@@ -165,38 +180,51 @@ void EncodeFaultAsError(const void*, UConverterFromUnicodeArgs*, const UChar*, i
     // The status already tells the fault.
 }
 
+/// Either direction of a converter.
+template <class Source, class Target>
+using Conversion = void(UConverter*, Target**, const Target*, const Source**, const Source*, int32_t*, UBool,
+                        UErrorCode*);
+
+/// Nothing when a callback leaves a fault as it is.
+template <class Source, class Target>
+std::optional<std::basic_string<Target>> Converted(Conversion<Source, Target>* convert, UConverter* converter,
+                                                   std::basic_string_view<Source> text)
+{
+    std::basic_string<Target> result;
+    result.reserve(text.size());
+    const Source* next = text.data();
+    const Source* const end = next + text.size();
+    UErrorCode status = U_ZERO_ERROR;
+    while (next != end || status == U_BUFFER_OVERFLOW_ERROR)
+    {
+        const Source* const pieceEnd = next + std::min(static_cast<size_t>(end - next), PieceLength);
+        Target piece[PieceLength];
+        Target* pieceNext = piece;
+        status = U_ZERO_ERROR;
+        convert(converter, &pieceNext, std::end(piece), &next, pieceEnd, nullptr, pieceEnd == end, &status);
+        if (U_FAILURE(status) && status != U_BUFFER_OVERFLOW_ERROR)
+            return std::nullopt;
+        result.append(piece, pieceNext);
+    }
+    return result;
+}
+
 std::u16string DecodeWith(UConverter* converter, std::string_view text)
 {
     UErrorCode status = U_ZERO_ERROR;
+    ucnv_resetToUnicode(converter);
     ucnv_setToUCallBack(converter, DecodeFaultAsReplacementCharacter, nullptr, nullptr, nullptr, &status);
-    // One unit a byte is enough for most code pages; ICU tells when it is not.
-    std::u16string units(text.size(), u'\0');
-    for (;;)
-    {
-        status = U_ZERO_ERROR;
-        const int32_t length = ucnv_toUChars(converter, units.data(), CheckedLength(units.size()),
-                                             text.data(), CheckedLength(text.size()), &status);
-        const bool fits = static_cast<size_t>(length) <= units.size();
-        units.resize(static_cast<size_t>(length));
-        if (fits)
-            return units;
-    }
+    return Converted<char, UChar>(ucnv_toUnicode, converter, text).value_or(std::u16string());
 }
 
 /// Nothing when the code page lacks a character.
 std::optional<std::string> BytesOf(UConverter* converter, std::u16string_view text)
 {
     UErrorCode status = U_ZERO_ERROR;
+    ucnv_resetFromUnicode(converter);
     ucnv_setFromUCallBack(converter, EncodeFaultAsError, nullptr, nullptr, nullptr, &status);
     ucnv_setFallback(converter, false);
-    // The ten extra characters make room for the escape sequences of stateful code pages.
-    std::string bytes((text.size() + 10) * static_cast<size_t>(ucnv_getMaxCharSize(converter)), '\0');
-    const int32_t length = ucnv_fromUChars(converter, bytes.data(), CheckedLength(bytes.size()), text.data(),
-                                           CheckedLength(text.size()), &status);
-    if (U_FAILURE(status))
-        return std::nullopt;
-    bytes.resize(static_cast<size_t>(length));
-    return bytes;
+    return Converted<UChar, char>(ucnv_fromUnicode, converter, text);
 }
 
 /// Nothing when a character would not come back: some tables map private characters one way only, whatever
@@ -247,6 +275,12 @@ const char* GetLocalCodePage() { return Local().name.c_str(); }
 
 namespace CodePages
 {
+namespace
+{
+
+bool IsUTF8(NuvCharCode code) { return code == CC_UTF8 || Local().isUTF8; }
+
+} // namespace
 
 bool IsPlainASCII(std::string_view text, NuvCharCode code)
 {
@@ -262,9 +296,23 @@ std::u16string Decode(std::string_view text, NuvCharCode code)
 {
     if (IsPlainASCII(text, code))
         return std::u16string(text.begin(), text.end());
-    if (code == CC_UTF8 || Local().isUTF8)
-        return DecodeUTF8(text);
-    return DecodeWith(OpenConverter(Local().name.c_str()).get(), text);
+    if (!IsUTF8(code))
+        return DecodeWith(OpenConverter(Local().name.c_str()).get(), text);
+    std::u16string units;
+    units.reserve(text.size());
+    DecodeUTF8(text, [&units](std::u16string_view piece) { units += piece; });
+    return units;
+}
+
+size_t DecodedLength(std::string_view text, NuvCharCode code)
+{
+    if (IsPlainASCII(text, code))
+        return text.size();
+    if (!IsUTF8(code))
+        return Decode(text, code).size();
+    size_t length = 0;
+    DecodeUTF8(text, [&length](std::u16string_view piece) { length += piece.size(); });
+    return length;
 }
 
 bool Encode(std::u16string_view text, NuvCharCode code, OnLoss onLoss, std::string& out,
@@ -275,9 +323,23 @@ bool Encode(std::u16string_view text, NuvCharCode code, OnLoss onLoss, std::stri
         out.append(text.begin(), text.end());
         return true;
     }
-    if (code == CC_UTF8 || Local().isUTF8)
-        return EncodeUTF8(text, onLoss, out, utf8Replacement);
-    return EncodeWith(OpenConverter(Local().name.c_str()).get(), text, onLoss, out);
+    if (!IsUTF8(code))
+        return EncodeWith(OpenConverter(Local().name.c_str()).get(), text, onLoss, out);
+    out.reserve(out.size() + text.size());
+    return EncodeUTF8(text, onLoss, utf8Replacement, [&out](std::string_view piece) { out += piece; });
+}
+
+size_t EncodedLength(std::u16string_view text, NuvCharCode code, OnLoss onLoss)
+{
+    if (IsPlainASCII(text, code))
+        return text.size();
+    size_t length = 0;
+    if (IsUTF8(code))
+        return EncodeUTF8(text, onLoss, U'?', [&length](std::string_view piece) { length += piece.size(); })
+                   ? length
+                   : 0;
+    std::string bytes;
+    return Encode(text, code, onLoss, bytes) ? bytes.size() : 0;
 }
 
 } // namespace CodePages

@@ -24,10 +24,16 @@ bool IsPlainASCII(std::u16string_view text, NuvCharCode code);
 /// Undecodable bytes become U+FFFD.
 std::u16string Decode(std::string_view text, NuvCharCode code);
 
+/// The length of what Decode returns.
+size_t DecodedLength(std::string_view text, NuvCharCode code);
+
 /// Appends the encoded text to `out`; false, with `out` in any state, when a character is lost under
 /// OnLoss::Fail.
 /// @param utf8Replacement stands for half a surrogate pair in UTF-8; other code pages replace by `?`
 bool Encode(std::u16string_view text, NuvCharCode code, OnLoss onLoss, std::string& out,
             char32_t utf8Replacement = U'?');
+
+/// The length of what Encode appends; 0 where that fails.
+size_t EncodedLength(std::u16string_view text, NuvCharCode code, OnLoss onLoss);
 
 } // namespace Nuv::CodePages

@@ -35,20 +35,19 @@ bool IsWhiteSpace(char16_t unit)
     return u_isUWhiteSpace(unit) != 0;
 }
 
-/// The result of a converter: how many there are, copied where there is a buffer to hold them.
-template <class Source, class Character>
-int CountOrCopy(const Source& converted, Character* out, int capacity)
+/// The result of a converter; 0 is failure.
+int Count(size_t count)
 {
-    const size_t count = converted.size();
-    if (count > static_cast<size_t>(std::numeric_limits<int>::max()))
+    return count <= static_cast<size_t>(std::numeric_limits<int>::max()) ? static_cast<int>(count) : 0;
+}
+
+template <class Source, class Character>
+int Copy(const Source& converted, Character* out, int capacity)
+{
+    if (capacity < 0 || converted.size() > static_cast<size_t>(capacity))
         return 0;
-    if (out && capacity != 0)
-    {
-        if (capacity < 0 || count > static_cast<size_t>(capacity))
-            return 0;
-        std::copy(converted.begin(), converted.end(), out);
-    }
-    return static_cast<int>(count);
+    std::copy(converted.begin(), converted.end(), out);
+    return static_cast<int>(converted.size());
 }
 
 } // namespace
@@ -259,9 +258,11 @@ int CHANSI2Unicode(const char* text, int length, UniChar* out, int capacity, Nuv
     if (!text)
         return 0;
     const std::string_view source = Measured(text, length);
+    if (!out || capacity == 0)
+        return Count(CodePages::DecodedLength(source, code));
     if (CodePages::IsPlainASCII(source, code))
-        return CountOrCopy(source, out, capacity);
-    return CountOrCopy(CodePages::Decode(source, code), out, capacity);
+        return Copy(source, out, capacity);
+    return Copy(CodePages::Decode(source, code), out, capacity);
 }
 
 int CHUnicode2ANSI(const UniChar* units, int length, char* out, int capacity, NuvCharCode code, bool lossy,
@@ -269,11 +270,14 @@ int CHUnicode2ANSI(const UniChar* units, int length, char* out, int capacity, Nu
 {
     if (!units)
         return 0;
-    std::string bytes;
+    const std::u16string_view source = Measured(units, length);
     const auto onLoss = lossy ? CodePages::OnLoss::Replace : CodePages::OnLoss::Fail;
-    if (!CodePages::Encode(Measured(units, length), code, onLoss, bytes))
+    if (!out || capacity == 0)
+        return Count(CodePages::EncodedLength(source, code, onLoss));
+    std::string bytes;
+    if (!CodePages::Encode(source, code, onLoss, bytes))
         return 0;
-    return CountOrCopy(bytes, out, capacity);
+    return Copy(bytes, out, capacity);
 }
 
 } // namespace Nuv

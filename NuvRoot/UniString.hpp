@@ -217,7 +217,7 @@ NUVROOT_API std::ostream& operator<<(std::ostream& stream, const UniString& text
 /// Both return the number of units or bytes written. They return 0 for failure, and for an empty text of
 /// length 0. A `length` of -1 means zero-terminated text; the terminator is converted and counted. With a
 /// null `out` or a capacity of 0 they only count. They fail, with `out` unchanged, when the result does not
-/// fit into `capacity`. `reserved` is ignored.
+/// fit into `capacity` or its length into an `int`. `reserved` is ignored.
 /// @{
 
 /// Decodes 8-bit text. Undecodable bytes become U+FFFD. Fails for null text.

@@ -1,10 +1,14 @@
 #include "NuvXMLUtils/DOMHelperSupport.hpp"
 
+#include <limits>
+
 namespace NuvXMLUtils
 {
 
 std::unique_ptr<char[]> Encoded(std::u16string_view text, bool lossy)
 {
+    if (text.size() > static_cast<size_t>(std::numeric_limits<int>::max()))
+        return nullptr;
     const auto convert = [&](char* out, int capacity) {
         return CHUnicode2ANSI(text.data(), static_cast<int>(text.size()), out, capacity, Nuv::CC_Default,
                               lossy);

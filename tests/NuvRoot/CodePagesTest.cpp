@@ -2,6 +2,7 @@
 #include "NuvRoot/UniString.hpp"
 #include "tests/support/CommaLocale.hpp"
 #include "tests/support/LocalCodePageScope.hpp"
+#include "tests/support/RepeatedText.hpp"
 
 #include <gtest/gtest.h>
 
@@ -326,6 +327,54 @@ TEST(CodePages, BringGeneratedTextBack)
             ASSERT_EQ(UniString(UniString(text).ToString()).View(), text) << codePage;
         }
     }
+}
+
+// Long texts, which are converted in pieces.
+
+TEST(LongText, ComesBackWhereverItsPiecesBegin)
+{
+    constexpr std::u16string_view Characters = u"\u3042\U0001F600\u4E2D\u0416";
+    for (const char* codePage : {"UTF-8", "GB18030", "UTF-7", "UTF-16"})
+    {
+        const LocalCodePageScope scope(codePage);
+        for (size_t length = 1000; length < 1040; ++length)
+        {
+            std::u16string text(length, u'a');
+            text.append(Characters).append(text);
+            const std::string bytes = UniString(text).ToString();
+            ASSERT_EQ(UniString(bytes), UniString(text)) << codePage << length;
+            ASSERT_EQ(
+                CHUnicode2ANSI(text.data(), static_cast<int>(text.size()), nullptr, 0, CC_Default, false),
+                static_cast<int>(bytes.size()));
+            ASSERT_EQ(CHANSI2Unicode(bytes.data(), static_cast<int>(bytes.size()), nullptr, 0, CC_Default),
+                      static_cast<int>(text.size()));
+        }
+    }
+}
+
+TEST(LongText, IsDecodedAsItsPartsAreWhereItIsIllFormed)
+{
+    for (const std::string_view bytes : {"\xE2\x82"sv, "\xE2\x82\xE2\x82\xAC"sv, "\x82\x82\x82\x82\x82\x82"sv,
+                                         "\xF0\x9F\x98"sv, "\xC0\x80\xC3"sv, "\xED\xA0\x80\xC3\xA4"sv})
+        for (size_t length = 1015; length < 1030; ++length)
+            ASSERT_EQ(UniString::FromUTF8(std::string(length, 'a').append(bytes)),
+                      UniString(std::u16string(length, u'a') + Decode(bytes, CC_UTF8)));
+}
+
+TEST(LongText, IsCountedUpToTheLargestNumber)
+{
+    const NuvTest::RepeatedText<char16_t> text(u"a\u20AC", 716'000'000);
+    const int length = static_cast<int>(text.Length());
+    EXPECT_EQ(CHUnicode2ANSI(text.Start(), length, nullptr, 0, CC_UTF8, false), length * 2);
+    const NuvTest::RepeatedText<char> bytes("\xC3\xA4", 2'200'000'000);
+    EXPECT_EQ(CHANSI2Unicode(bytes.Start(), -1, nullptr, 0, CC_UTF8),
+              static_cast<int>(bytes.Length() / 2) + 1);
+}
+
+TEST(LongText, IsAFailureBeyondTheLargestNumber)
+{
+    const NuvTest::RepeatedText<char16_t> text(u"\u20AC", 716'000'000);
+    EXPECT_EQ(CHUnicode2ANSI(text.Start(), static_cast<int>(text.Length()), nullptr, 0, CC_UTF8, false), 0);
 }
 
 } // namespace
