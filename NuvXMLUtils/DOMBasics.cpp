@@ -284,7 +284,7 @@ double GetDouble(const char* s)
         throw ConvException(u"Floating point number error", nullptr);
     if (*end)
         throw ConvException(u"Too many data", nullptr);
-    return value;
+    return value == 0.0 ? 0.0 : value;
 }
 
 } // namespace NuvXMLUtils

@@ -200,10 +200,10 @@ NUVXMLUTILS_API int GetSignedLong(const char* s);
 NUVXMLUTILS_API unsigned int GetULong(const char* s);
 
 /// A number as the C function `strtod` reads it in the "C" locale, whatever the locale of the process:
-/// leading white space, hexadecimal notation, infinities and NaN included.
-/// @throws ConvException "Floating point number error" where no number starts and for a number out of range,
-/// which a value too small for full precision (a denormal) is as well, unless it is so small that it is 0;
-/// "Too many data" when anything follows the number
+/// leading white space, hexadecimal notation, infinities and NaN included. Zero has no sign, and a number so
+/// small that it is rounded to zero is zero.
+/// @throws ConvException "Floating point number error" where no number starts and for a number out of range:
+/// too large, or so small that it is rounded to a denormal; "Too many data" when anything follows the number
 NUVXMLUTILS_API double GetDouble(const char* s);
 
 /// @}

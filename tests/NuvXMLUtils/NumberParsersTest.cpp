@@ -118,10 +118,18 @@ TEST(GetDouble, ReadsTheNotationsOfTheCLibrary)
 TEST(GetDouble, ReadsZeroAlsoWhereTheNumberIsTooSmallForAnyOther)
 {
     EXPECT_EQ(GetDouble("0"), 0.0);
-    EXPECT_TRUE(std::signbit(GetDouble("-0.0")));
     EXPECT_EQ(GetDouble("1e-999"), 0.0);
     EXPECT_EQ(ConvMessageOf([] { GetDouble("0 "); }), "Too many data");
     EXPECT_EQ(ConvMessageOf([] { GetDouble("1e-999x"); }), "Too many data");
+}
+
+TEST(GetDouble, ReadsZeroWithoutASign)
+{
+    for (const char* text : {"-0", "-0.0", "-0e5", "-0x0", "-1e-999", " -0"})
+    {
+        EXPECT_EQ(GetDouble(text), 0.0) << text;
+        EXPECT_FALSE(std::signbit(GetDouble(text))) << text;
+    }
 }
 
 TEST(GetDouble, FailsWhereNoNumberStarts)
@@ -134,6 +142,7 @@ TEST(GetDouble, FailsOutsideTheRangeAndForDenormals)
 {
     for (const char* text : {"1e999", "-1e999", "1e999x", "4.9e-324", "2e-308"})
         EXPECT_EQ(ConvMessageOf([&] { GetDouble(text); }), "Floating point number error") << text;
+    EXPECT_EQ(GetDouble("0x1p-1074"), std::numeric_limits<double>::denorm_min()) << "nothing is rounded";
     EXPECT_EQ(GetDouble("2.2250738585072014e-308"), std::numeric_limits<double>::min());
     EXPECT_EQ(GetDouble("1.7976931348623157e308"), std::numeric_limits<double>::max());
 }
