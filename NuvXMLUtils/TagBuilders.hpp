@@ -61,8 +61,8 @@ NUVXMLUTILS_API xercesc_3_0::DOMElement* NewTextTag(xercesc_3_0::DOMElement* par
                                                     int tabs);
 
 /// A CDATA section with the value between quotes; a null value is empty. GetStringTagU reads every text back,
-/// but for its line ends, which have become LF. In a printed document that holds for the characters that XML
-/// allows.
+/// except for its line ends, which have become LF. In a printed document that holds for the characters that
+/// XML allows and the encoding has: one that the encoding lacks comes back as the text of a reference.
 NUVXMLUTILS_API xercesc_3_0::DOMElement* NewStringTag(xercesc_3_0::DOMElement* parent, const char* name,
                                                       const char* value, int tabs);
 NUVXMLUTILS_API xercesc_3_0::DOMElement* NewStringTag(xercesc_3_0::DOMElement* parent, const char* name,
@@ -95,7 +95,8 @@ NUVXMLUTILS_API xercesc_3_0::DOMElement* NewULongTag(xercesc_3_0::DOMElement* pa
                                                      unsigned int value, int tabs);
 
 /// Up to 12 significant digits, with a decimal point whatever the C locale; an exponent has three digits.
-/// Zero has no sign.
+/// Zero has no sign. GetDoubleTag reads the value of these digits back, except for one below
+/// 2.2250738585072014e-308 (a denormal), which it refuses.
 NUVXMLUTILS_API xercesc_3_0::DOMElement* NewDoubleTag(xercesc_3_0::DOMElement* parent, const char* name,
                                                       double value, int tabs);
 

@@ -51,6 +51,7 @@ NUVXMLUTILS_API int GetSLongTag(const xercesc_3_0::DOMElement* elem);
 /// @throws ConvException the messages of GetULong
 NUVXMLUTILS_API unsigned int GetULongTag(const xercesc_3_0::DOMElement* elem);
 
+/// A denormal, which NewDoubleTag writes, is out of range.
 /// @throws ConvException the messages of GetDouble
 NUVXMLUTILS_API double GetDoubleTag(const xercesc_3_0::DOMElement* elem);
 

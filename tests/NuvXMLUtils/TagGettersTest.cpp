@@ -1,4 +1,5 @@
 #include "tests/NuvXMLUtils/DOMHelperTrees.hpp"
+#include "tests/NuvXMLUtils/PrinterSupport.hpp"
 #include "tests/support/LocalCodePageScope.hpp"
 
 #include <xercesc/dom/DOMCDATASection.hpp>
@@ -163,6 +164,16 @@ TEST(GetDoubleTag, ReadsZeroAndTheLimitsOfNormalNumbersBack)
     EXPECT_NEAR(GetDoubleTag(NewDoubleTag(tree.root, "d", smallest, 0)) / smallest, 1.0, 5e-12);
     const double largest = std::numeric_limits<double>::max();
     EXPECT_NEAR(GetDoubleTag(NewDoubleTag(tree.root, "d", largest, 0)) / largest, 1.0, 5e-12);
+}
+
+TEST(GetDoubleTag, RefusesADenormalThatNewDoubleTagWrites)
+{
+    const Tree tree;
+    for (const double denormal : {std::numeric_limits<double>::denorm_min(), -2.225e-308})
+    {
+        const auto* const tag = NewDoubleTag(tree.root, "d", denormal, 0);
+        EXPECT_EQ(ConvMessageOf([&] { GetDoubleTag(tag); }), "Tag 'd'; Floating point number error");
+    }
 }
 
 // CDATA sections.
@@ -364,6 +375,14 @@ TEST(GetStringTag, ReadsGeneratedTextBackWithCRLF)
         const std::string read = Taken(GetStringTag(NewStringTag(tree.root, "s", text.c_str(), 0)));
         ASSERT_EQ(Nuv::UniString(read), expected);
     }
+}
+
+TEST(GetStringTagU, ReadsReferencesAsTextWhereTheEncodingLackedACharacter)
+{
+    const Tree tree;
+    NewStringTag(tree.root, "s", u"\u00E4 \u20AC", 0);
+    EXPECT_EQ(Taken(GetStringTagU(Tree(Print(*tree.root, u"UTF-8")).Find(u"s"))), u"\u00E4 \u20AC");
+    EXPECT_EQ(Taken(GetStringTagU(Tree(Print(*tree.root, u"ISO-8859-1")).Find(u"s"))), u"\u00E4 &#x20AC;");
 }
 
 } // namespace
