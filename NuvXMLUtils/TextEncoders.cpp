@@ -267,6 +267,24 @@ class SingleByteEncoder final : public TextEncoder
     }
 };
 
+/// Encodes all of a text for which there is room, and moves `out` behind its bytes. A transcoder need not
+/// take all that it is offered at once.
+/// @throws xercesc_3_0::XMLException also when the transcoder takes nothing, or more than there is
+void TranscodeAll(XMLTranscoder& transcoder, const char16_t* text, const char16_t* end, FreeBytes& out)
+{
+    while (text != end)
+    {
+        const auto length = static_cast<XMLSize_t>(end - text);
+        XMLSize_t eaten = 0;
+        out.next +=
+            transcoder.transcodeTo(text, length, out.next, out.Count(), eaten, XMLTranscoder::UnRep_Throw);
+        if (eaten == 0 || eaten > length)
+            ThrowXMLwithMemMgr(xercesc_3_0::TranscodingException, xercesc_3_0::XMLExcepts::Trans_BadSrcSeq,
+                               xercesc_3_0::XMLPlatformUtils::fgMemoryManager);
+        text += eaten;
+    }
+}
+
 /// Tells which characters an encoding has: those that come back when they are encoded and decoded. A
 /// converter's own answer is not enough: some write a similar character, and some nothing at all. Each
 /// character is tried once.
@@ -323,22 +341,33 @@ class CharacterSet
         try
         {
             unsigned char bytes[TextEncoder::MaxBytesPerCharacter];
-            XMLSize_t eaten = 0;
-            const XMLSize_t byteCount = transcoder->transcodeTo(units, length, bytes, std::size(bytes), eaten,
-                                                                XMLTranscoder::UnRep_Throw);
-            if (byteCount == 0 || eaten != length)
-                return false;
-            char16_t decoded[TextEncoder::MaxBytesPerCharacter];
-            unsigned char sizes[TextEncoder::MaxBytesPerCharacter];
-            const XMLSize_t count =
-                transcoder->transcodeFrom(bytes, byteCount, decoded, std::size(decoded), eaten, sizes);
-            return eaten == byteCount &&
-                   std::u16string_view(decoded, count) == std::u16string_view(units, length);
+            FreeBytes out{bytes, std::end(bytes)};
+            TranscodeAll(*transcoder, units, units + length, out);
+            return Decoded(bytes, out.next) == std::u16string_view(units, length);
         }
         catch (const xercesc_3_0::XMLException&)
         {
             return false;
         }
+    }
+
+    /// Empty when the transcoder does not take all bytes.
+    std::u16string Decoded(const unsigned char* bytes, const unsigned char* end)
+    {
+        std::u16string text;
+        while (bytes != end)
+        {
+            char16_t units[TextEncoder::MaxBytesPerCharacter];
+            unsigned char sizes[TextEncoder::MaxBytesPerCharacter];
+            XMLSize_t eaten = 0;
+            const XMLSize_t count = transcoder->transcodeFrom(bytes, static_cast<XMLSize_t>(end - bytes),
+                                                              units, std::size(units), eaten, sizes);
+            if (eaten == 0)
+                return {};
+            text.append(units, count);
+            bytes += eaten;
+        }
+        return text;
     }
 
     const XMLCh* encoding;
@@ -361,8 +390,7 @@ class TranscodingEncoder final : public TextEncoder
     {
         const size_t roomFor = out.Count() / MaxBytesPerCharacter;
         const auto [stretchEnd, reason] = EndOfStretch(text, end, escapes, roomFor);
-        if (stretchEnd != text)
-            Transcode(text, stretchEnd, out);
+        TranscodeAll(transcoder, text, stretchEnd, out);
         text = stretchEnd;
         return reason;
     }
@@ -398,18 +426,6 @@ class TranscodingEncoder final : public TextEncoder
             text += LengthOfCharacterAt(text, end);
         }
         return {text, Stop::AtEnd};
-    }
-
-    void Transcode(const char16_t* text, const char16_t* end, FreeBytes& out)
-    {
-        const auto length = static_cast<XMLSize_t>(end - text);
-        XMLSize_t eaten = 0;
-        out.next +=
-            transcoder.transcodeTo(text, length, out.next, out.Count(), eaten, XMLTranscoder::UnRep_Throw);
-        // There is room for every character, and each is one that the encoding has.
-        if (eaten != length)
-            ThrowXMLwithMemMgr(xercesc_3_0::TranscodingException, xercesc_3_0::XMLExcepts::Trans_BadSrcSeq,
-                               xercesc_3_0::XMLPlatformUtils::fgMemoryManager);
     }
 
     XMLTranscoder& transcoder;

@@ -1,6 +1,9 @@
 // Printing in encodings that the application has taught Xerces, and that ICU knows nothing of.
+#include "NuvXMLUtils/SAXWriters.hpp"
 #include "tests/NuvXMLUtils/PrinterSupport.hpp"
 
+#include <xercesc/framework/MemBufFormatTarget.hpp>
+#include <xercesc/framework/XMLFormatter.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/TransENameMap.hpp>
 #include <xercesc/util/TransService.hpp>
@@ -53,8 +56,31 @@ class EuroTranscoder : public XMLTranscoder
     bool canTranscodeTo(unsigned int character) override { return character < 0x80 || character == Euro; }
 };
 
-/// Reads one unit of a text at a time, whatever there is.
+/// Takes at most so many units or bytes at a time, whatever there is.
+template <XMLSize_t Limit>
 class HesitantTranscoder : public EuroTranscoder
+{
+  public:
+    using EuroTranscoder::EuroTranscoder;
+
+    XMLSize_t transcodeFrom(const XMLByte* bytes, XMLSize_t byteCount, XMLCh* units, XMLSize_t capacity,
+                            XMLSize_t& bytesEaten, unsigned char* sizes) override
+    {
+        return EuroTranscoder::transcodeFrom(bytes, std::min(byteCount, Limit), units, capacity, bytesEaten,
+                                             sizes);
+    }
+
+    XMLSize_t transcodeTo(const XMLCh* units, XMLSize_t count, XMLByte* bytes, XMLSize_t capacity,
+                          XMLSize_t& unitsEaten, UnRepOpts options) override
+    {
+        return EuroTranscoder::transcodeTo(units, std::min(count, Limit), bytes, capacity, unitsEaten,
+                                           options);
+    }
+};
+
+/// Takes nothing of more than so many units.
+template <XMLSize_t Limit>
+class StubbornTranscoder : public EuroTranscoder
 {
   public:
     using EuroTranscoder::EuroTranscoder;
@@ -62,7 +88,7 @@ class HesitantTranscoder : public EuroTranscoder
     XMLSize_t transcodeTo(const XMLCh* units, XMLSize_t count, XMLByte* bytes, XMLSize_t capacity,
                           XMLSize_t& unitsEaten, UnRepOpts options) override
     {
-        return EuroTranscoder::transcodeTo(units, std::min<XMLSize_t>(count, 1), bytes, capacity, unitsEaten,
+        return EuroTranscoder::transcodeTo(units, count > Limit ? 0 : count, bytes, capacity, unitsEaten,
                                            options);
     }
 };
@@ -83,12 +109,50 @@ TEST(EncodingOfTheApplication, TakesTheCharactersItHasAndReferencesForAllOthers)
     EXPECT_TRUE(Parse(printed)->isEqualNode(document.get()));
 }
 
-TEST(EncodingOfTheApplication, EndsPrintingWhenItLeavesCharactersUnread)
+TEST(EncodingOfTheApplication, IsAskedAgainWhenItTakesFewerCharactersThanItIsOffered)
 {
-    AddEncoding<HesitantTranscoder>(u"X-HESITANT");
-    const Document document = Parse("<r>text</r>");
+    AddEncoding<HesitantTranscoder<1>>(u"X-ONE");
+    AddEncoding<HesitantTranscoder<7>>(u"X-SEVEN");
+    const std::string text(20'000, 'x');
+    const Document document = Parse("<r a='" + text + "'>1 \xE2\x82\xAC &lt; 2 \xC2\xA3 " + text + "</r>");
+    for (const std::string name : {"X-ONE", "X-SEVEN"})
+    {
+        const std::string printed = Print(*document, Nuv::UniString(name).ToUTF16());
+        EXPECT_TRUE(printed == "<?xml version=\"1.0\" encoding=\"" + name + "\"?>\n<r a=\"" + text +
+                                   "\">1 \x80 &lt; 2 &#xA3; " + text + "</r>\n");
+        EXPECT_TRUE(Parse(printed)->isEqualNode(document.get()));
+    }
+}
+
+TEST(EncodingOfTheApplication, IsAskedAgainByTheSAXWritersToo)
+{
+    AddEncoding<HesitantTranscoder<1>>(u"X-ONE");
+    AddEncoding<HesitantTranscoder<7>>(u"X-SEVEN");
+    const std::string text(20'000, 'x');
+    const std::u16string units(text.begin(), text.end());
+    for (const std::string name : {"X-ONE", "X-SEVEN"})
+    {
+        MemBufFormatTarget target;
+        XMLFormatter formatter(name.c_str(), "1.0", &target, XMLFormatter::NoEscapes,
+                               XMLFormatter::UnRep_CharRef);
+        NuvXML::SAX2Writer writer(formatter, false);
+        NuvXML::NuvSAX2Writer::Attrs attributes;
+        attributes.Add(u"a", (units + u"\u20AC\u00A3").c_str());
+        writer.startElement(u"", u"r", u"r", attributes);
+        writer.characters((u"<\u20AC" + units).c_str(), units.length() + 2);
+        writer.endElement(u"", u"r", u"r");
+        EXPECT_TRUE(std::string(reinterpret_cast<const char*>(target.getRawBuffer()), target.getLen()) ==
+                    "<?xml version=\"1.0\" encoding=\"" + name + "\"?>\n<r a=\"" + text +
+                        "\x80&#xA3;\">&lt;\x80" + text + "</r>");
+    }
+}
+
+TEST(EncodingOfTheApplication, EndsPrintingWhenItTakesNothing)
+{
+    AddEncoding<StubbornTranscoder<100>>(u"X-STUBBORN");
+    const Document document = Parse("<r>" + std::string(101, 'x') + "</r>");
     Nuv::MemoryOChannel channel;
-    EXPECT_FALSE(FormatXMLDoc(document.get(), &channel, u"X-HESITANT", true));
+    EXPECT_FALSE(FormatXMLDoc(document.get(), &channel, u"X-STUBBORN", true));
 }
 
 } // namespace
