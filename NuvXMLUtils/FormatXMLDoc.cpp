@@ -1,6 +1,7 @@
 #include "NuvXMLUtils/FormatXMLDoc.hpp"
 
 #include "NuvXMLUtils/Attributes.hpp"
+#include "NuvXMLUtils/EncodingNames.hpp"
 #include "NuvXMLUtils/OutOfMemory.hpp"
 #include "NuvXMLUtils/XMLPrint.hpp"
 
@@ -14,6 +15,7 @@
 #include <initializer_list>
 #include <memory>
 #include <span>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -83,16 +85,6 @@ Encoding WithByteOrderMark(const XMLCh* name)
     if (isOneOf({XMLUni::fgUTF16LEncodingString, XMLUni::fgUTF16LEncodingString2}))
         return {name, MarkUTF16Little};
     return {name, {}};
-}
-
-/// What the declaration calls the encoding: UTF-16 has no byte order in its name, the mark tells it.
-const XMLCh* NameToDeclare(const XMLCh* name)
-{
-    for (const XMLCh* const utf16 : {XMLUni::fgUTF16BEncodingString, XMLUni::fgUTF16BEncodingString2,
-                                     XMLUni::fgUTF16LEncodingString, XMLUni::fgUTF16LEncodingString2})
-        if (XMLString::equals(name, utf16))
-            return XMLUni::fgUTF16EncodingString;
-    return name;
 }
 
 // Printing.
@@ -286,17 +278,10 @@ class NodePrinter
     std::vector<const DOMNode*> parents;
 };
 
-void WriteDeclaration(XMLPrint& print, const XMLCh* encodingName)
-{
-    print.Write(u"<?xml version=\"1.0\" encoding=\"");
-    print.Write(NameToDeclare(encodingName));
-    print.Write(u"\"?>\n");
-}
-
 /// @return whether everything was written
 bool Print(const DOMNode& node, Nuv::OChannel& channel, const Encoding& encoding)
 {
-    const auto transcoder = NuvXML::MakeTranscoder(encoding.name, TranscoderBlockSize);
+    const auto transcoder = NuvXML::MakeDeclarableTranscoder(encoding.name, TranscoderBlockSize);
     if (!transcoder)
         return false;
     auto encoder = NuvXML::MakeStatelessTextEncoder(*transcoder);
@@ -306,7 +291,13 @@ bool Print(const DOMNode& node, Nuv::OChannel& channel, const Encoding& encoding
     if (!print.IsReady())
         return false;
     print.WriteRaw(encoding.byteOrderMark.data(), encoding.byteOrderMark.size());
-    WriteDeclaration(print, transcoder->getEncodingName());
+    const std::u16string declaration =
+        std::u16string(u"<?xml version=\"1.0\" encoding=\"").append(NuvXML::NameToDeclare(*transcoder)) +
+        u"\"?>";
+    print.Write(declaration.c_str());
+    if (encoding.byteOrderMark.empty() && !NuvXML::IsReadable(declaration, print.Unsent()))
+        return false;
+    print.Write(u'\n');
     NodePrinter(print).Print(node);
     print.Flush();
     return print.IsOk();

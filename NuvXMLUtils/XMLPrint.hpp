@@ -8,6 +8,7 @@
 #include <array>
 #include <cstddef>
 #include <memory>
+#include <span>
 
 namespace NuvXML
 {
@@ -60,6 +61,9 @@ class XMLPrint
 
     /// Writes a few bytes as they are, before anything else: there is room for them.
     void WriteRaw(const unsigned char* bytes, size_t count);
+
+    /// The bytes in the buffer that were not passed on yet.
+    std::span<const unsigned char> Unsent() const { return {buffer.get(), freeBytes.next}; }
 
     /// Passes the buffer on. The destructor does not.
     void Flush();

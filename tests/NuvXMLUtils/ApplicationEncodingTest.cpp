@@ -155,4 +155,42 @@ TEST(EncodingOfTheApplication, EndsPrintingWhenItTakesNothing)
     EXPECT_FALSE(FormatXMLDoc(document.get(), &channel, u"X-STUBBORN", true));
 }
 
+/// ASCII, each byte by one higher.
+class ShiftedTranscoder : public EuroTranscoder
+{
+  public:
+    using EuroTranscoder::EuroTranscoder;
+
+    XMLSize_t transcodeFrom(const XMLByte* bytes, XMLSize_t byteCount, XMLCh* units, XMLSize_t capacity,
+                            XMLSize_t& bytesEaten, unsigned char* sizes) override
+    {
+        const XMLSize_t count =
+            EuroTranscoder::transcodeFrom(bytes, byteCount, units, capacity, bytesEaten, sizes);
+        std::for_each(units, units + count, [](XMLCh& unit) { --unit; });
+        return count;
+    }
+
+    XMLSize_t transcodeTo(const XMLCh* units, XMLSize_t count, XMLByte* bytes, XMLSize_t capacity,
+                          XMLSize_t& unitsEaten, UnRepOpts options) override
+    {
+        const XMLSize_t written =
+            EuroTranscoder::transcodeTo(units, count, bytes, capacity, unitsEaten, options);
+        std::for_each(bytes, bytes + written, [](XMLByte& byte) { ++byte; });
+        return written;
+    }
+};
+
+TEST(EncodingOfTheApplication, IsRefusedWhereNoParserCanReadTheDeclaration)
+{
+    AddEncoding<EuroTranscoder>(u"X EURO");
+    AddEncoding<ShiftedTranscoder>(u"X-SHIFTED");
+    const Document document = NewDocument();
+    for (const char16_t* const name : {u"X EURO", u"X-SHIFTED"})
+    {
+        Nuv::MemoryOChannel channel;
+        EXPECT_FALSE(FormatXMLDoc(document.get(), &channel, name, true)) << Nuv::UniString(name);
+        EXPECT_EQ(channel.GetBytes(), "") << Nuv::UniString(name);
+    }
+}
+
 } // namespace

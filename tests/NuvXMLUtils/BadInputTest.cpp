@@ -111,6 +111,19 @@ TEST_F(BadInput, IsRefusedWhenItsBytesAreNotOfItsEncoding)
                       u"char 0xC3 is not representable in 'US-ASCII' encoding");
 }
 
+TEST_F(BadInput, IsReadWithReplacementsWhereItsBytesMeanNothingInACodePage)
+{
+    const IO::Location file = Write("<?xml version='1.0' encoding='ISO-8859-8'?><r><v>a\xA1</v></r>");
+    for (const bool throwOnError : {false, true})
+    {
+        const Channel channel(NuvXML::CreateXMLIChannel(file, throwOnError));
+        ASSERT_TRUE(channel);
+        UniString value;
+        EXPECT_EQ(channel->ReadXML("v", value), 0);
+        EXPECT_EQ(value, UniString(u"a\uFFFD"));
+    }
+}
+
 TEST_F(BadInput, IsReadWhenItDeclaresUTF16AndIsNot)
 {
     // Xerces believes the bytes.

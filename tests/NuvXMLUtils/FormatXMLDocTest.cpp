@@ -230,6 +230,76 @@ TEST(FormatXMLDoc, EscapesBothQuotesButNotGreaterThanInAttributes)
     EXPECT_EQ(PrintValue(u"a&b<c>d\"e'f]]>g\nh\ti"), "<r a=\"a&amp;b&lt;c>d&quot;e&apos;f]]>g\nh\ti\"/>");
 }
 
+// What does not come back.
+
+/// A document whose root has the one child that `make` makes.
+template <class Make>
+Document DocumentWith(Make make)
+{
+    Document document = NewDocument();
+    document->getDocumentElement()->appendChild(make(*document));
+    return document;
+}
+
+/// The root element after it was printed and parsed, printed once more.
+std::string ReadBack(const DOMDocument& document, const char16_t* encoding = u"UTF-8")
+{
+    return PrintBody(*Parse(Print(document, encoding))->getDocumentElement());
+}
+
+TEST(FormatXMLDoc, WritesASectionACommentAndAnInstructionThatEndEarly)
+{
+    const Document section =
+        DocumentWith([](DOMDocument& document) { return document.createCDATASection(u"a]]>b"); });
+    EXPECT_EQ(PrintBody(*section->getDocumentElement()), "<r><![CDATA[a]]>b]]></r>");
+    EXPECT_THROW(ReadBack(*section), std::runtime_error);
+    const Document comment =
+        DocumentWith([](DOMDocument& document) { return document.createComment(u"a--b"); });
+    EXPECT_EQ(PrintBody(*comment->getDocumentElement()), "<r><!--a--b--></r>");
+    EXPECT_THROW(ReadBack(*comment), std::runtime_error);
+    const Document instruction = DocumentWith(
+        [](DOMDocument& document) { return document.createProcessingInstruction(u"p", u"a?>b"); });
+    EXPECT_EQ(ReadBack(*instruction), "<r><?p a?>b?></r>");
+    EXPECT_FALSE(Parse(Print(*instruction))->isEqualNode(instruction.get())) << "the end is text now";
+}
+
+TEST(FormatXMLDoc, WritesReferencesThatAreTextInSectionsAndComments)
+{
+    const Document section =
+        DocumentWith([](DOMDocument& document) { return document.createCDATASection(u"\u20AC"); });
+    EXPECT_EQ(ReadBack(*section, u"US-ASCII"), "<r><![CDATA[&#x20AC;]]></r>");
+    const Document comment =
+        DocumentWith([](DOMDocument& document) { return document.createComment(u"\u20AC"); });
+    EXPECT_EQ(ReadBack(*comment, u"US-ASCII"), "<r><!--&#x20AC;--></r>");
+}
+
+TEST(FormatXMLDoc, WritesTheInternalSubsetAsXercesKeepsIt)
+{
+    const Document commented = Parse("<!DOCTYPE r [<!--c-->]><r/>");
+    EXPECT_EQ(PrintBody(*commented), "<!DOCTYPE r[<!-- c -->]>\n<r/>\n");
+    const Document quoted = Parse("<!DOCTYPE r [<!ENTITY e 'a\"b'>]><r/>");
+    EXPECT_EQ(PrintBody(*quoted), "<!DOCTYPE r[<!ENTITY e \"a\"b\">]>\n<r/>\n");
+    EXPECT_THROW(ReadBack(*quoted), std::runtime_error);
+}
+
+TEST(FormatXMLDoc, WritesWhiteSpaceThatParsersNormalise)
+{
+    const Document document =
+        DocumentWith([](DOMDocument& owner) { return owner.createTextNode(u"\r\n \r"); });
+    document->getDocumentElement()->setAttribute(u"a", u"1\t2\n3\r4");
+    EXPECT_EQ(PrintBody(*document->getDocumentElement()), "<r a=\"1\t2\n3\r4\">\r\n \r</r>");
+    EXPECT_EQ(ReadBack(*document), "<r a=\"1 2 3 4\">\n \n</r>");
+}
+
+TEST(FormatXMLDoc, WritesNeighbouringTextsThatBecomeOne)
+{
+    const Document document = DocumentWith([](DOMDocument& owner) { return owner.createTextNode(u"a"); });
+    document->getDocumentElement()->appendChild(document->createTextNode(u""));
+    document->getDocumentElement()->appendChild(document->createTextNode(u"b"));
+    const Document parsed = Parse(Print(*document));
+    EXPECT_EQ(Nuv::UniString(parsed->getDocumentElement()->getFirstChild()->getNodeValue()), u"ab");
+}
+
 // Choosing the encoding.
 
 std::string Declaration(const DOMNode& node, const char16_t* encoding, bool preferGivenEncoding)
