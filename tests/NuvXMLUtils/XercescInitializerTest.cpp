@@ -129,10 +129,11 @@ TEST(XercescInitializer, DoesNotStopXercesWhenItIsAssigned)
 
 TEST(XercescInitializer, StopsXercesWhenACopyIsDestroyed)
 {
-    const XercescInitializer original;
-    std::optional<XercescInitializer> copy(original);
+    std::optional<XercescInitializer> original(std::in_place);
+    std::optional<XercescInitializer> copy(*original);
     copy.reset();
     EXPECT_FALSE(XercesIsUp());
+    original.reset();
     const XercesDown startsAgainAtTheEnd;
 }
 
