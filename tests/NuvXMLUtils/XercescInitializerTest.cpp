@@ -1,4 +1,5 @@
 #include "NuvRoot/Debug.hpp"
+#include "NuvXMLUtils/FormatXMLDoc.hpp"
 #include "NuvXMLUtils/NuvXMLDOMBuilder.hpp"
 #include "NuvXMLUtils/NuvXMLInterface.hpp"
 #include "NuvXMLUtils/ValidatingXMLParser.hpp"
@@ -10,7 +11,9 @@
 #include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/framework/MemoryManager.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/util/PanicHandler.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLMsgLoader.hpp>
 
 #include <cstddef>
 #include <cstdio>
@@ -206,6 +209,86 @@ TEST(XercesDown, LeavesChannelsUsableThatAreMadeAfterTheNextStart)
     EXPECT_EQ(builder.WriteEndElement(), 0);
     EXPECT_EQ(builder.Export(), UniString(u"<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\" ?>\n"
                                           u"<a/>"));
+}
+
+/// What an application may give to Xerces when it starts it.
+class OwnMemory : public xercesc_3_0::MemoryManager
+{
+  public:
+    xercesc_3_0::MemoryManager* getExceptionMemoryManager() override { return this; }
+    void* allocate(XMLSize_t size) override
+    {
+        ++blocks;
+        ++taken;
+        return ::operator new(size);
+    }
+    void deallocate(void* block) override
+    {
+        blocks -= block ? 1 : 0;
+        ::operator delete(block);
+    }
+
+    long blocks = 0;
+    long taken = 0;
+};
+
+class OwnPanicHandler : public xercesc_3_0::PanicHandler
+{
+  public:
+    void panic(PanicReasons) override { std::abort(); }
+};
+
+void StartXerces(OwnMemory& memory, OwnPanicHandler& panicHandler)
+{
+    xercesc_3_0::XMLPlatformUtils::Initialize("de_DE", nullptr, &panicHandler, &memory);
+}
+
+void UseTheLibrary()
+{
+    using namespace xercesc_3_0;
+    const NuvTest::ScratchFolder folder;
+    const UniString schema = folder.Write("a.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>"
+                                                   "<xs:element name='a' type='xs:string'/></xs:schema>");
+    ValidatingXMLParser parser;
+    EXPECT_TRUE(parser.LoadSchema(IO::Location(schema), nullptr, nullptr));
+    const NuvXML::XercesPtr<DOMDocument> parsed(
+        parser.Parse(document, documentSize, XercesDOMParser::Val_Never, false, UniString(u"memory"), nullptr,
+                     nullptr, nullptr));
+    ASSERT_TRUE(parsed);
+    Nuv::MemoryOChannel channel;
+    EXPECT_TRUE(FormatXMLDoc(parsed.get(), &channel, u"KOI8-R", true));
+    EXPECT_EQ(channel.GetBytes(), "<?xml version=\"1.0\" encoding=\"KOI8-R\"?>\n<a/>\n");
+}
+
+TEST(XercesOfTheApplication, ServesTheLibraryWhenItWasStoppedAndStarted)
+{
+    using namespace xercesc_3_0;
+    OwnMemory memory;
+    OwnPanicHandler panicHandler;
+    XMLPlatformUtils::Terminate();
+    StartXerces(memory, panicHandler);
+    EXPECT_EQ(XMLPlatformUtils::fgUserPanicHandler, &panicHandler);
+    EXPECT_STREQ(XMLMsgLoader::getLocale(), "de_DE");
+    const long takenByStart = memory.taken;
+    UseTheLibrary();
+    EXPECT_GT(memory.taken, takenByStart);
+    XMLPlatformUtils::Terminate();
+    EXPECT_FALSE(XercesIsUp());
+    EXPECT_EQ(memory.blocks, 0);
+    XMLPlatformUtils::Initialize(); // for the other tests
+}
+
+TEST(XercesOfTheApplication, IsIgnoredWhileXercesIsUp)
+{
+    using namespace xercesc_3_0;
+    OwnMemory memory;
+    OwnPanicHandler panicHandler;
+    StartXerces(memory, panicHandler);
+    EXPECT_NE(XMLPlatformUtils::fgUserPanicHandler, &panicHandler);
+    UseTheLibrary();
+    XMLPlatformUtils::Terminate();
+    EXPECT_TRUE(XercesIsUp());
+    EXPECT_EQ(memory.taken, 0);
 }
 
 /// Stands in for Xerces' memory manager and has no memory, so that Xerces cannot start.
