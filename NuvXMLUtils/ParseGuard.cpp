@@ -118,6 +118,8 @@ void ParseGuard::StartEntity(const xercesc_3_0::XMLEntityDecl& entity)
 void ParseGuard::ExternalEntity(const xercesc_3_0::XMLResourceIdentifier& entity) const
 {
     const XMLCh* const systemId = entity.getSystemId();
+    if (!systemId) // an import that names no schema: there is nothing to read
+        return;
     if (limits.forbidExternalEntities)
         Refuse(UniString(u"external entities are forbidden; the document refers to ") + Quoted(systemId));
     if (limits.forbidNetwork && IsOnNetwork(entity))

@@ -48,9 +48,12 @@ class EntitySource : public LocationInputSource
 class NuvEntityResolver : public xercesc_3_0::EntityResolver
 {
   public:
+    /// Xerces asks without a system id for what a schema imports and names no place for.
     xercesc_3_0::InputSource* resolveEntity(const XMLCh* const, const XMLCh* const systemId) override
     try
     {
+        if (!systemId)
+            return nullptr;
         static constexpr XMLCh NoBase[] = u"";
         const xercesc_3_0::XMLURL url(NoBase, systemId);
         if (!url.isRelative())

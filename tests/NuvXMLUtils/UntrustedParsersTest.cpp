@@ -144,6 +144,15 @@ TEST(UntrustedTree, IsTheSameWithinTheLimits)
     EXPECT_TRUE(plain->getDocumentElement()->isEqualNode(limited->getDocumentElement()));
 }
 
+/// Imports a namespace without telling where its schema is.
+constexpr char HintedSchema[] =
+    "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:h'>"
+    "<xs:import namespace='urn:nowhere'/><xs:element name='e' type='xs:int'/></xs:schema>";
+
+constexpr char HintingDocument[] =
+    "<h:e xmlns:h='urn:h' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' "
+    "xsi:schemaLocation='urn:h hinted.xsd'>12</h:e>";
+
 class UntrustedTreeWithSchema : public testing::Test
 {
   protected:
@@ -200,6 +209,15 @@ TEST_F(UntrustedTreeWithSchema, AsksNoServerAtAHintOfTheDocument)
               Refused(1, UniString(u"the network is forbidden; the document refers to '") +
                              UniString::FromUTF8(server.URL()) + u"'"));
     EXPECT_EQ(server.CountConnections(), 0);
+}
+
+TEST_F(UntrustedTreeWithSchema, MayHintAtASchemaThatImportsFromNowhere)
+{
+    scratch.Write("hinted.xsd", HintedSchema);
+    ParserLimits limits;
+    limits.forbidNetwork = true;
+    parser.SetLimits(limits);
+    EXPECT_EQ(NuvTest::LoadTree(parser, HintingDocument), IsLoaded);
 }
 
 // The stream reader.
@@ -302,6 +320,22 @@ TEST(UntrustedStream, DoesNotAskTheResolverOrTheErrorHandlerOfTheCaller)
               Refused(1, u"external entities are forbidden; the document refers to 'r.dtd'"));
     EXPECT_EQ(handler.resolved, 0);
     EXPECT_EQ(handler.fatalErrors, 0);
+}
+
+TEST(UntrustedStream, MayReadASchemaThatImportsFromNowhere)
+{
+    const NuvTest::ScratchFolder scratch;
+    const NuvTest::CurrentFolderScope current(scratch.Path());
+    scratch.Write("hinted.xsd", HintedSchema);
+    ParserLimits limits;
+    limits.forbidNetwork = true;
+    const auto reader = NuvXML::CreateSAX2Reader(limits);
+    EXPECT_EQ(NuvTest::LoadStream(*reader, HintingDocument), IsLoaded);
+    limits = ParserLimits::ForUntrustedInput();
+    const xercesc_3_0::MemBufInputSource schema(NuvTest::Bytes(HintedSchema), sizeof HintedSchema - 1,
+                                                u"schema");
+    EXPECT_TRUE(
+        NuvXML::CreateSAX2Reader(limits)->loadGrammar(schema, xercesc_3_0::Grammar::SchemaGrammarType, true));
 }
 
 TEST(UntrustedStream, TellsTheErrorHandlerOfTooManyEntities)

@@ -4,6 +4,8 @@
 #include "tests/support/WithoutPrivileges.hpp"
 
 #include <filesystem>
+#include <string>
+#include <string_view>
 
 namespace
 {
@@ -100,6 +102,25 @@ TEST_F(ValidatingXMLParserTest, LoadsWhatASchemaIncludesFromBesideIt)
                                                   "<xs:include schemaLocation='part.xsd'/></xs:schema>")))
         << report.message;
     ExpectToParse(ValidBySchema);
+}
+
+TEST_F(ValidatingXMLParserTest, FollowsAHintToASchemaThatImportsFromNowhere)
+{
+    const NuvTest::CurrentFolderScope current(scratch.Path());
+    scratch.Write("hinted.xsd",
+                  "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:h'>"
+                  "<xs:import namespace='urn:nowhere'/><xs:import/>"
+                  "<xs:element name='e' type='xs:int'/></xs:schema>");
+    ASSERT_TRUE(LoadSchema(Schema));
+    const auto hintedWith = [](const std::string& content)
+    {
+        return "<h:e xmlns:h='urn:h' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' "
+               "xsi:schemaLocation='urn:h hinted.xsd'>" +
+               content + "</h:e>";
+    };
+    ExpectToParse(hintedWith("12"));
+    EXPECT_FALSE(Parse(hintedWith("twelve")));
+    EXPECT_TRUE(report.message.View().find(u"'twelve'") != std::u16string_view::npos) << report.message;
 }
 
 TEST_F(ValidatingXMLParserTest, LoadsSchemasWhateverTheirFileName)

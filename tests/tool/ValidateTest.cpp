@@ -33,6 +33,20 @@ TEST_F(ValidateTest, TakesTheSchemaFromStandardInput)
                 testing::StartsWith("nuvxml: (standard input):1: "));
 }
 
+TEST_F(ValidateTest, FollowsHintsOfTrustedDocuments)
+{
+    const std::string hinted = Write(
+        "hinted.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:h'>"
+                      "<xs:import namespace='urn:nowhere'/><xs:element name='e' type='xs:int'/></xs:schema>");
+    const std::string file =
+        Write("1.xml", "<h:e xmlns:h='urn:h' xsi:schemaLocation='urn:h " + hinted +
+                           "' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'>x</h:e>");
+    const ProcessResult result = Run({"validate", "--trusted", "--schema", Write("wall.xsd", Schema), file});
+    EXPECT_EQ(result.status, Findings);
+    EXPECT_EQ(result.output, "1.xml:1: value 'x' does not match regular expression facet '[+\\-]?[0-9]+'\n"
+                             "1 file, 1 fault in 1\n");
+}
+
 TEST_F(ValidateTest, ReadsStandardInputOnce)
 {
     for (const std::vector<std::string>& arguments :
