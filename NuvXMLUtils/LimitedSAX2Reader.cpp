@@ -5,7 +5,11 @@
 #include <xercesc/parsers/SAX2XMLReaderImpl.hpp>
 #include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
+
+#include <algorithm>
+#include <iterator>
 
 namespace NuvXML
 {
@@ -14,6 +18,11 @@ namespace
 {
 
 using xercesc_3_0::SAX2XMLReaderImpl;
+
+bool Equals(const XMLCh* left, const XMLCh* right)
+{
+    return xercesc_3_0::XMLString::compareIStringASCII(left, right) == 0; // as Xerces compares
+}
 
 /// Takes the place of handlers that are not set.
 class NoHandlers : public xercesc_3_0::DefaultHandler
@@ -77,6 +86,59 @@ class LimitedSAX2Reader : public SAX2XMLReaderImpl
         setDTDHandler(getDTDHandler());
     }
 
+    // Settings.
+
+    void setProperty(const XMLCh* name, void* value) override
+    {
+        if (Equals(name, xercesc_3_0::XMLUni::fgXercesScannerName))
+            guard.SetLocator(nullptr); // it belongs to the scanner
+        SAX2XMLReaderImpl::setProperty(name, value);
+    }
+
+    void setInputBufferSize(const XMLSize_t size) override
+    {
+        SAX2XMLReaderImpl::setInputBufferSize(size);
+        inputBufferSize = size;
+    }
+
+    // Parses.
+
+    void parse(const xercesc_3_0::InputSource& source) override
+    {
+        ForgetNames();
+        SAX2XMLReaderImpl::parse(source);
+    }
+
+    void parse(const XMLCh* systemId) override
+    {
+        ForgetNames();
+        SAX2XMLReaderImpl::parse(systemId);
+    }
+
+    void parse(const char* systemId) override
+    {
+        ForgetNames();
+        SAX2XMLReaderImpl::parse(systemId);
+    }
+
+    bool parseFirst(const xercesc_3_0::InputSource& source, xercesc_3_0::XMLPScanToken& token) override
+    {
+        ForgetNames();
+        return SAX2XMLReaderImpl::parseFirst(source, token);
+    }
+
+    bool parseFirst(const XMLCh* systemId, xercesc_3_0::XMLPScanToken& token) override
+    {
+        ForgetNames();
+        return SAX2XMLReaderImpl::parseFirst(systemId, token);
+    }
+
+    bool parseFirst(const char* systemId, xercesc_3_0::XMLPScanToken& token) override
+    {
+        ForgetNames();
+        return SAX2XMLReaderImpl::parseFirst(systemId, token);
+    }
+
     // Events.
 
     void startDocument() override
@@ -87,6 +149,7 @@ class LimitedSAX2Reader : public SAX2XMLReaderImpl
         SAX2XMLReaderImpl::startDocument();
         SAX2XMLReaderImpl::setContentHandler(handler);
         guard.SetLocator(noHandlers.GetLocator());
+        namesInScanner += guard.CountElementNames();
         guard.StartDocument();
         handler->setDocumentLocator(noHandlers.GetLocator());
         handler->startDocument();
@@ -96,7 +159,7 @@ class LimitedSAX2Reader : public SAX2XMLReaderImpl
                       const XMLCh* elemPrefix, const xercesc_3_0::RefVectorOf<xercesc_3_0::XMLAttr>& attrList,
                       XMLSize_t attrCount, bool isEmpty, bool isRoot) override
     {
-        guard.StartElement(declaration, attrList, attrCount);
+        guard.StartElement(declaration, elemPrefix, attrList, attrCount);
         SAX2XMLReaderImpl::startElement(declaration, urlId, elemPrefix, attrList, attrCount, isEmpty, isRoot);
         if (isEmpty) // which the base then ends by itself
             guard.EndElement();
@@ -168,8 +231,38 @@ class LimitedSAX2Reader : public SAX2XMLReaderImpl
         SAX2XMLReaderImpl::setDTDHandler(&noHandlers);
     }
 
+    /// Scanners keep the names of elements that a schema does not declare, and look every name up among them:
+    /// when those of earlier documents are more than one document may have, a new scanner takes over.
+    void ForgetNames()
+    {
+        if (namesInScanner + guard.CountElementNames() <= guard.GetLimits().maxElementNames)
+            return;
+        using xercesc_3_0::XMLUni;
+        // What Xerces does not hand on from one scanner to the next.
+        const XMLCh* const features[] = {XMLUni::fgXercesGenerateSyntheticAnnotations,
+                                         XMLUni::fgXercesValidateAnnotations,
+                                         XMLUni::fgXercesIgnoreCachedDTD,
+                                         XMLUni::fgXercesIgnoreAnnotations,
+                                         XMLUni::fgXercesDisableDefaultEntityResolution,
+                                         XMLUni::fgXercesSkipDTDValidation,
+                                         XMLUni::fgXercesHandleMultipleImports};
+        bool values[std::size(features)];
+        std::ranges::transform(features, values, [this](const XMLCh* name) { return getFeature(name); });
+        auto lowWaterMark = *static_cast<const XMLSize_t*>(getProperty(XMLUni::fgXercesLowWaterMark));
+        setProperty(XMLUni::fgXercesScannerName, getProperty(XMLUni::fgXercesScannerName));
+        for (size_t i = 0; i < std::size(features); ++i)
+            setFeature(features[i], values[i]);
+        setProperty(XMLUni::fgXercesLowWaterMark, &lowWaterMark);
+        if (inputBufferSize != 0)
+            SAX2XMLReaderImpl::setInputBufferSize(inputBufferSize);
+        namesInScanner = 0;
+        guard.StartDocument();
+    }
+
     ParseGuard guard;
     NoHandlers noHandlers;
+    size_t namesInScanner = 0;     ///< but for those of the last document
+    XMLSize_t inputBufferSize = 0; ///< 0 for that of Xerces
 };
 
 } // namespace

@@ -71,7 +71,7 @@ void ValidatingXMLParser::LineInfoParser::startElement(
     bool isRoot)
 {
     if (guard)
-        guard->StartElement(declaration, attrList, attrCount);
+        guard->StartElement(declaration, elemPrefix, attrList, attrCount);
     XercesDOMParser::startElement(declaration, urlId, elemPrefix, attrList, attrCount, isEmpty, isRoot);
     InsertNodeLocInfo();
 }

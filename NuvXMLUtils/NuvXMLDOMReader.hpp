@@ -44,12 +44,16 @@ class NUVXMLUTILS_API DOMReader : public Nuv::XMLIChannel
 {
   public:
     /// Parses `size` bytes of XML text, not needed afterwards. Stands on the start of the root element.
-    /// @throws DOMReaderException "Parsing XML from memory failed."
+    ///
+    /// A document whose document type declares anything is validated against it, so all its elements must be
+    /// declared there. External document types and entities are read.
+    /// @throws DOMReaderException "Parsing XML from memory failed.", when the text is not well-formed or not
+    /// valid, or what it refers to cannot be read
     /// @throws Nuv::OutOfMemoryException
     DOMReader(const unsigned char* buffer, unsigned int size);
 
-    /// Parses a file.
-    /// @throws DOMReaderException "Parsing XML file failed: " and the location
+    /// Parses a file in the same way.
+    /// @throws DOMReaderException "Parsing XML file failed: " and the location, also when the file is missing
     /// @throws Nuv::OutOfMemoryException
     explicit DOMReader(const IO::Location& file);
 

@@ -10,7 +10,9 @@
 /// or CreateXMLIChannel:
 /// - "Not enough memory in ..."
 /// - "NuvXML DOMBuilderException": the document could not be made
-/// - "NuvXML DOMReaderException": the file is missing, or the text is not well-formed XML
+/// - "NuvXML DOMReaderException": the file is missing, the text is not well-formed XML, it is not valid by
+/// its
+///   document type (if it has one), or a document type or an entity that it refers to cannot be read
 /// - "Xercesc DOMException"
 /// - "Unkonwn Exception in ..."
 ///

@@ -43,6 +43,21 @@ bool IsOnNetwork(const xercesc_3_0::XMLResourceIdentifier& entity)
     return url.getProtocol() != xercesc_3_0::XMLURL::File || !isLocalHost;
 }
 
+/// Calls `action` with each name in a content model, as often as it stands there; `#PCDATA` is one too.
+template <class Action>
+void ForEachName(std::u16string_view contentModel, Action action)
+{
+    if (!contentModel.starts_with(u'(')) // EMPTY or ANY
+        return;
+    while (!contentModel.empty())
+    {
+        const std::u16string_view word = contentModel.substr(0, contentModel.find_first_of(u"(),|?*+ "));
+        contentModel.remove_prefix(std::min(word.size() + 1, contentModel.size()));
+        if (!word.empty())
+            action(word);
+    }
+}
+
 } // namespace
 
 void ParseGuard::StartDocument()
@@ -53,6 +68,8 @@ void ParseGuard::StartDocument()
     expandedContent = 0;
     hasDefaultAttributes = false;
     hasEntities = false;
+    elementNames.Clear();
+    contentModelNames.Clear();
 }
 
 void ParseGuard::DocumentType() const
@@ -86,12 +103,13 @@ void ParseGuard::AttributeDeclaration(const xercesc_3_0::DTDAttDef& attribute)
 void ParseGuard::ElementDeclaration(const xercesc_3_0::DTDElementDecl& element)
 {
     CountDeclaration();
-    if (limits.maxDeclarationLength == ParserLimits::Unlimited)
+    if (limits.maxDeclarationLength == ParserLimits::Unlimited &&
+        limits.maxDeclarations == ParserLimits::Unlimited)
         return;
-    const XMLCh* const contentModel = element.getFormattedContentModel();
-    const size_t length = xercesc_3_0::XMLString::stringLen(contentModel);
-    CheckDeclarationLength(length, u"content model of element ", element.getFullName());
-    CheckStates({contentModel, length}, element.getFullName());
+    const std::u16string_view contentModel(element.getFormattedContentModel());
+    CheckDeclarationLength(contentModel.size(), u"content model of element ", element.getFullName());
+    CheckStates(contentModel, element.getFullName());
+    CountNamesOf(contentModel);
 }
 
 void ParseGuard::EntityDeclaration(const xercesc_3_0::DTDEntityDecl& entity, bool isParameterEntity)
@@ -137,24 +155,49 @@ void ParseGuard::CountDeclaration()
         Refuse(UniString(u"the document type declares more than ") + LimitText(limits.maxDeclarations));
 }
 
+void ParseGuard::CountElementName(const xercesc_3_0::XMLElementDecl& element, const XMLCh* prefix)
+{
+    std::u16string_view name(prefix ? element.getBaseName() : element.getFullName());
+    if (!IsEmpty(prefix))
+        name = qualifiedName.assign(prefix).append(u":").append(name);
+    if (elementNames.Contains(name))
+        return;
+    if (elementNames.GetSize() >= limits.maxElementNames)
+        Refuse(UniString(u"the document has more names of elements than ") +
+               LimitText(limits.maxElementNames));
+    elementNames.Add(name);
+}
+
+/// A content model can name elements that nothing else declares.
+void ParseGuard::CountNamesOf(std::u16string_view contentModel)
+{
+    ForEachName(contentModel,
+                [this](std::u16string_view name)
+                {
+                    if (name == u"#PCDATA" || contentModelNames.Contains(name))
+                        return;
+                    if (contentModelNames.GetSize() >= limits.maxDeclarations)
+                        Refuse(UniString(u"the content models of the document type have more names than ") +
+                               LimitText(limits.maxDeclarations));
+                    contentModelNames.Add(name);
+                });
+}
+
 /// Each state is a set of places at which the same name stands.
 void ParseGuard::CheckStates(std::u16string_view contentModel, const XMLCh* name) const
 {
     std::unordered_map<std::u16string_view, size_t> statesOfName;
     size_t states = 0;
-    while (!contentModel.empty())
-    {
-        const std::u16string_view word = contentModel.substr(0, contentModel.find_first_of(u"(),|?*+ "));
-        contentModel.remove_prefix(std::min(word.size() + 1, contentModel.size()));
-        if (word.empty())
-            continue;
-        size_t& statesHere = statesOfName.try_emplace(word, 1).first->second;
-        states += statesHere;
-        statesHere *= 2;
-        if (states > limits.maxDeclarationLength)
-            Refuse(UniString(u"the content model of element ") + Quoted(name) +
-                   u" may need more states than " + LimitText(limits.maxDeclarationLength));
-    }
+    ForEachName(contentModel,
+                [&](std::u16string_view word)
+                {
+                    size_t& statesHere = statesOfName.try_emplace(word, 1).first->second;
+                    states += statesHere;
+                    statesHere *= 2;
+                    if (states > limits.maxDeclarationLength)
+                        Refuse(UniString(u"the content model of element ") + Quoted(name) +
+                               u" may need more states than " + LimitText(limits.maxDeclarationLength));
+                });
 }
 
 void ParseGuard::CheckDeclarationLength(size_t length, const char16_t* kind, const XMLCh* name) const
@@ -177,11 +220,6 @@ void ParseGuard::CountDefaultAttributes(const xercesc_3_0::RefVectorOf<xercesc_3
 void ParseGuard::RefuseAttributes() const
 {
     Refuse(UniString(u"an element has more attributes than ") + LimitText(limits.maxAttributes));
-}
-
-void ParseGuard::RefuseElementNames() const
-{
-    Refuse(UniString(u"the document has more names of elements than ") + LimitText(limits.maxElementNames));
 }
 
 void ParseGuard::RefuseNesting() const

@@ -17,10 +17,45 @@
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
 #include <xercesc/validators/DTD/DTDEntityDecl.hpp>
 
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
 #include <string_view>
 
 namespace NuvXML
 {
+
+/// Names of a document. Names that are chosen to share a hash are in order, so that no choice makes it slow.
+class NameSet
+{
+  public:
+    size_t GetSize() const { return size; }
+
+    bool Contains(std::u16string_view name) const
+    {
+        const auto withHash = names.find(std::hash<std::u16string_view>()(name));
+        return withHash != names.end() && withHash->second.contains(name);
+    }
+
+    /// Adds a name that it does not contain.
+    void Add(std::u16string_view name)
+    {
+        names[std::hash<std::u16string_view>()(name)].emplace(name);
+        ++size;
+    }
+
+    void Clear()
+    {
+        names.clear();
+        size = 0;
+    }
+
+  private:
+    std::map<size_t, std::set<std::u16string, std::less<>>> names; ///< by hash
+    size_t size = 0;
+};
 
 /// Told of the events of a parse, before anything else is done with them, it throws a
 /// xercesc_3_0::SAXParseException with the current line when one goes beyond a limit.
@@ -53,16 +88,20 @@ class ParseGuard
     void NotationDeclaration() { CountDeclaration(); }
     void ExternalEntity(const xercesc_3_0::XMLResourceIdentifier& entity) const;
 
+    /// How many names the elements of the document have had so far; none are counted without a limit.
+    size_t CountElementNames() const { return elementNames.GetSize(); }
+
     /// In the document's content.
     void StartEntity(const xercesc_3_0::XMLEntityDecl& entity);
 
-    void StartElement(const xercesc_3_0::XMLElementDecl& element,
+    /// @param prefix null where name spaces are not processed
+    void StartElement(const xercesc_3_0::XMLElementDecl& element, const XMLCh* prefix,
                       const xercesc_3_0::RefVectorOf<xercesc_3_0::XMLAttr>& attributes, size_t attributeCount)
     {
         if (depth >= limits.maxNesting)
             RefuseNesting();
-        if (element.getId() > limits.maxElementNames) // Xerces numbers the names as it meets them
-            RefuseElementNames();
+        if (limits.maxElementNames != ParserLimits::Unlimited)
+            CountElementName(element, prefix);
         if (attributeCount > limits.maxAttributes)
             RefuseAttributes();
         ++depth;
@@ -76,12 +115,13 @@ class ParseGuard
   private:
     bool RefusesExpansionInDocumentType() const;
     void CountDeclaration();
+    void CountElementName(const xercesc_3_0::XMLElementDecl& element, const XMLCh* prefix);
+    void CountNamesOf(std::u16string_view contentModel);
     void CheckStates(std::u16string_view contentModel, const XMLCh* name) const;
     void CheckDeclarationLength(size_t length, const char16_t* kind, const XMLCh* name) const;
     void CountDefaultAttributes(const xercesc_3_0::RefVectorOf<xercesc_3_0::XMLAttr>& attributes,
                                 size_t attributeCount);
     [[noreturn]] void RefuseAttributes() const;
-    [[noreturn]] void RefuseElementNames() const;
     [[noreturn]] void RefuseNesting() const;
     [[noreturn]] void Refuse(const Nuv::UniString& message) const;
 
@@ -94,6 +134,10 @@ class ParseGuard
     size_t expandedContent = 0;
     bool hasDefaultAttributes = false;
     bool hasEntities = false;
+    std::u16string qualifiedName; ///< of the last element with a prefix; kept for its memory
+
+    NameSet elementNames;
+    NameSet contentModelNames;
 };
 
 } // namespace NuvXML

@@ -1,76 +1,95 @@
 /// @file
-/// How far a document from a source that is not trusted may go before its parse ends with an error.
+/// Limits for loading documents from a source that is not trusted:
+///
+///     ValidatingXMLParser parser;
+///     parser.SetLimits(ParserLimits::ForUntrustedInput());
 #pragma once
 
 #include <cstddef>
 #include <limits>
 
-/// Limits for ValidatingXMLParser::SetLimits and NuvXML::CreateSAX2Reader. Each stands on its own, and all
-/// are off until they are set. A document that goes beyond one fails to parse, with a message that names the
-/// limit.
+/// Limits for ValidatingXMLParser::SetLimits and NuvXML::CreateSAX2Reader. They are independent, and all are
+/// off until they are set. A document that exceeds one is not loaded: its parse ends with an error that names
+/// the limit. Each document is counted for itself, also when a parser is used again.
 ///
-/// A parse within the limits of ForUntrustedInput takes time and memory in proportion to the document and
-/// touches no file but the document's own.
+/// Within the limits of ForUntrustedInput
+/// - a parse reads the document and nothing else: no other file, no schema, nothing from the network;
+/// - its memory is in proportion to the size of the document, plus a fixed amount for what entities and
+///   defaults add;
+/// - so is its time, except where names of attributes, prefixes or IDs, or the names in one content model,
+/// are
+///   made to share a hash in Xerces: that takes the square of their number.
+///
+/// The size of the document itself is not limited.
 struct ParserLimits
 {
     static constexpr size_t Unlimited = std::numeric_limits<size_t>::max();
 
-    /// How many references to entities are expanded in the document's content and attribute values; the
-    /// predefined entities and character references do not count.
+    /// Limits how many references to entities are expanded, in content and attribute values, inside other
+    /// entities too. Predefined entities (`&lt;`) and character references are not counted.
+    /// Safe value: 10,000.
     ///
-    /// Expansions within the document type cannot be counted. With this limit set, what leads to them is
-    /// refused: parameter entities, and lists of attributes that stand behind the declaration of an entity.
+    /// Expansions inside the document type cannot be counted. While this limit is set, a document type that
+    /// could cause them is refused: one that declares a parameter entity, or attributes after an entity.
     size_t maxEntityExpansions = Unlimited;
 
-    /// Accepts parameter entities and any order of declarations in spite of maxEntityExpansions. For
-    /// documents whose document types are trusted.
+    /// Accepts these document types in spite of maxEntityExpansions. Set it only if the document types are
+    /// trusted.
     bool allowExpansionInDocumentType = false;
 
-    /// How many characters of entities' texts are put into the document's content, where each may become a
-    /// node. What is put into attribute values does not count.
+    /// Limits how many characters entities add to the content: the length of the entity's text for each
+    /// reference. Attribute values are not counted. Safe value: 1,000,000.
     size_t maxExpandedContent = Unlimited;
 
-    /// How many entities, notations, elements, attributes and lists of attributes a document type may
-    /// declare. Each element is held against the attributes declared for it, and so deep can entities be
-    /// nested.
+    /// Limits how many declarations a document type has: each entity, notation, element, list of attributes
+    /// and attribute is one. Limits also how many different names its content models have together.
+    /// Safe value: 500.
+    ///
+    /// Xerces compares each element with all attributes that are declared for it, and entities can be nested
+    /// this deep.
     size_t maxDeclarations = Unlimited;
 
-    /// How many characters each of these may have that a document type declares: the text of an entity, the
-    /// default and the enumerated values of an attribute, the content model of an element. Times
-    /// maxEntityExpansions, this is how much text entities can put into attribute values; times
-    /// maxDefaultAttributes, how much defaults can.
+    /// Limits the length, in characters, of each text in a document type: the text of an entity, the default
+    /// value and the list of values of an attribute, the content model of an element. Safe value: 1,000.
     ///
-    /// Also how many states a content model may need for its validation: up to 2^n for a name that stands in
-    /// it n times.
+    /// So entities add at most maxEntityExpansions times this length to all attribute values, and defaults
+    /// add at most maxDefaultAttributes times this length.
+    ///
+    /// Limits also how many states the validation of a content model may need. A name that the model has n
+    /// times may need 2^n states.
     size_t maxDeclarationLength = Unlimited;
 
-    /// How many attributes the document type adds to the elements of the document because they have a
-    /// default.
+    /// Limits how many attributes with a default value the document type adds to the document.
+    /// Safe value: 10,000.
     size_t maxDefaultAttributes = Unlimited;
 
-    /// How many attributes an element may have, those with a default included.
+    /// Limits how many attributes one element has, default values included. Safe value: 1,000.
     size_t maxAttributes = Unlimited;
 
-    /// How many names of elements a document may have. Xerces looks a name up among all that share its hash,
-    /// which is easy to foresee.
+    /// Limits how many different names the elements of the document have. A prefix is part of the name. Names
+    /// that are only declared, in a document type or a schema, are not counted. Safe value: 2,000.
+    ///
+    /// Xerces compares a name with all names that share its hash, and anyone can compute this hash.
     size_t maxElementNames = Unlimited;
 
-    /// How deep elements are nested; the root is at depth 1.
+    /// Limits how deep elements are nested; the root has depth 1. Safe value: 1,000.
     size_t maxNesting = Unlimited;
 
-    /// Refuses a document with a document type, whatever it holds.
+    /// Refuses each document that has a document type.
     bool forbidDocumentTypes = false;
 
-    /// Refuses to read anything but the document itself: external entities, parameter entities and document
-    /// types. Those that are declared but not used do no harm. Hints to schemas (xsi:schemaLocation) are
-    /// passed over: what counts are the schemas that the program has loaded.
+    /// Refuses a document when it needs another file or address: an external entity, parameter entity or
+    /// document type. A declaration that is not used needs nothing. Hints to schemas (xsi:schemaLocation) are
+    /// ignored: only schemas that the program has loaded are used.
     bool forbidExternalEntities = false;
 
-    /// Refuses to read from any URL that is not a file's.
+    /// Refuses a document when it needs an address that is not a file of this machine.
     bool forbidNetwork = false;
 
-    /// The values of ForUntrustedInput. What walks a document by recursion, in this library and with 8 MB of
-    /// stack, can go thirty times as deep.
+    /// @name The safe values
+    /// SafeNesting is less than a tenth of the depth at which any operation of this library overflows 8 MB of
+    /// stack, in an optimised build.
+    /// @{
     static constexpr size_t SafeEntityExpansions = 10'000;
     static constexpr size_t SafeExpandedContent = 1'000'000;
     static constexpr size_t SafeDeclarations = 500;
@@ -79,9 +98,11 @@ struct ParserLimits
     static constexpr size_t SafeAttributes = 1'000;
     static constexpr size_t SafeElementNames = 2'000;
     static constexpr size_t SafeNesting = 1'000;
+    /// @}
 
-    /// Limits for documents from anywhere. An internal document type is accepted, for within these limits it
-    /// is harmless; who needs none sets forbidDocumentTypes too, which leaves less to trust.
+    /// Limits for documents from anywhere: the safe values, and forbidExternalEntities and forbidNetwork. An
+    /// internal document type is accepted, because it is harmless within these limits. If you do not need
+    /// document types, set forbidDocumentTypes too.
     static constexpr ParserLimits ForUntrustedInput()
     {
         ParserLimits limits;

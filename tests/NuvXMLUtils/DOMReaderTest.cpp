@@ -177,8 +177,23 @@ TEST(DOMReader, ValidatesWhenThereIsADTD)
     const std::string_view valid = "<!DOCTYPE r [<!ELEMENT r ANY>]><r>text</r>";
     EXPECT_THROW(TextReader{invalid}, DOMReaderException);
     EXPECT_THROW(DOMReader{IO::Location(scratch.Write("invalid.xml", invalid))}, DOMReaderException);
+    EXPECT_THROW(TextReader{"<!DOCTYPE r [<!ENTITY e ''>]><r/>"}, DOMReaderException) << "r is not declared";
+    EXPECT_NO_THROW(TextReader{"<!DOCTYPE r><r/>"}) << "which declares nothing";
     EXPECT_NO_THROW(TextReader{valid});
     EXPECT_NO_THROW(DOMReader{IO::Location(scratch.Write("valid.xml", valid))});
+}
+
+TEST(DOMReader, ThrowsWhenADTDOrAnEntityCannotBeRead)
+{
+    const ScratchFolder scratch;
+    const std::string missing = scratch.PathOf("missing").ToUTF8();
+    for (const std::string& text :
+         {"<!DOCTYPE r SYSTEM '" + missing + "'><r/>",
+          "<!DOCTYPE r [<!ELEMENT r ANY><!ENTITY e SYSTEM '" + missing + "'>]><r>&e;</r>"})
+    {
+        EXPECT_THROW(TextReader{text}, DOMReaderException) << text;
+        EXPECT_THROW(DOMReader{IO::Location(scratch.Write("a.xml", text))}, DOMReaderException) << text;
+    }
 }
 
 TEST(DOMReader, ReadsDocumentsWithEntityReferenceNodes)

@@ -145,6 +145,24 @@ TEST(CreateXMLIChannelFromMemory, FailsForADocumentThatIsInvalidByItsDTD)
         ReaderFailed);
 }
 
+TEST(CreateXMLIChannelFromMemory, FailsForWhatItCannotReadOrFindDeclared)
+{
+    const NuvTest::ScratchFolder scratch;
+    const std::string missing = scratch.PathOf("missing").ToUTF8();
+    for (const std::string& text :
+         {"<!DOCTYPE r SYSTEM '" + missing + "'><r/>",
+          "<!DOCTYPE r [<!ELEMENT r ANY><!ENTITY e SYSTEM '" + missing + "'>]><r>&e;</r>",
+          std::string("<!DOCTYPE r [<!ENTITY e 'text'>]><r>&e;</r>")})
+    {
+        SCOPED_TRACE(text);
+        ExpectToFail(
+            [&](bool flag) {
+                return CreateXMLIChannelFromMemory(Bytes(text), static_cast<unsigned int>(text.size()), flag);
+            },
+            ReaderFailed);
+    }
+}
+
 TEST(CreateXMLIChannelFromMemory, ReadsText)
 {
     const UniString text(u"<r><v>\u00FC\u20AC\U0001F600</v></r>");

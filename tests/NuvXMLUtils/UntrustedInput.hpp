@@ -18,6 +18,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace NuvTest
 {
@@ -99,6 +100,16 @@ inline std::string Repeat(std::string_view text, size_t count)
     for (size_t i = 0; i < count; ++i)
         all += text;
     return all;
+}
+
+/// So many names, up to 65,536, for which Xerces' hash gives the same: "ah" and "bB" do.
+inline std::vector<std::string> CollidingNames(size_t count)
+{
+    std::vector<std::string> names(count);
+    for (size_t i = 0; i < count; ++i)
+        for (unsigned int bit = 0; bit < 16; ++bit)
+            names[i] += (i >> bit) % 2 == 0 ? "ah" : "bB";
+    return names;
 }
 
 /// Runs an action in a process of its own, and expects that to end within two seconds of processor time and

@@ -14,6 +14,7 @@ namespace
 {
 
 using Nuv::UniString;
+using NuvTest::CollidingNames;
 using NuvTest::InUTF16;
 using NuvTest::Loaded;
 using NuvTest::Refused;
@@ -249,16 +250,6 @@ TEST_P(UntrustedInputTest, EndsEntitiesOfManyElements)
         Refused(2, u"entities put more characters into the document than the limit of 1000000"));
 }
 
-/// So many names for which Xerces' hash gives the same: "ah" and "bB" do.
-std::vector<std::string> CollidingNames(size_t count)
-{
-    std::vector<std::string> names(count);
-    for (size_t i = 0; i < count; ++i)
-        for (unsigned int bit = 0; bit < 16; ++bit)
-            names[i] += (i >> bit) % 2 == 0 ? "ah" : "bB";
-    return names;
-}
-
 TEST_P(UntrustedInputTest, EndsNamesOfElementsThatCollide)
 {
     std::string elements;
@@ -266,6 +257,54 @@ TEST_P(UntrustedInputTest, EndsNamesOfElementsThatCollide)
         elements += "<" + name + "/>";
     ExpectToFail("<r>" + elements + "</r>", Untrusted,
                  Refused(1, u"the document has more names of elements than the limit of 2000"));
+}
+
+TEST_P(UntrustedInputTest, CountsTheNamesOfElementsExactly)
+{
+    ParserLimits limits;
+    limits.maxElementNames = 3;
+    const Loaded refused = Refused(2, u"the document has more names of elements than the limit of 3");
+    EXPECT_EQ(Load("<a><b/><c>" + Repeat("<a/><b/><c/>", 100) + "</c></a>", limits), IsLoaded);
+    EXPECT_EQ(Load("<a><b/><c>\n<d/></c></a>", limits), refused);
+    EXPECT_EQ(Load("<a xmlns:p='u' xmlns:q='u'><p:b/><q:b/><p:b/></a>", limits), IsLoaded);
+    EXPECT_EQ(Load("<a xmlns:p='u' xmlns:q='u'><p:b/><q:b/>\n<b xmlns='u'/></a>", limits), refused);
+}
+
+TEST_P(UntrustedInputTest, CountsNoNamesThatAreDeclaredOnly)
+{
+    ParserLimits limits;
+    limits.maxElementNames = 1;
+    EXPECT_EQ(Load(WithDocumentType(Numbered(3'000, "<!ELEMENT e", " EMPTY>") +
+                                        "<!ELEMENT r (a|b|c)*><!ATTLIST d e CDATA ''>",
+                                    "<r/>"),
+                   limits),
+              IsLoaded);
+}
+
+TEST_P(UntrustedInputTest, EndsNamesThatCollideInContentModels)
+{
+    const std::vector<std::string> names = CollidingNames(15'000);
+    std::string declarations;
+    for (size_t i = 0; i < names.size(); i += 30)
+    {
+        declarations += "<!ELEMENT e" + std::to_string(i) + " (r";
+        for (size_t j = i; j < i + 30; ++j)
+            declarations += "|" + names[j];
+        declarations += ")>";
+    }
+    ExpectAttackToFail(
+        WithDocumentType(declarations, "<r/>"),
+        Refused(1, u"the content models of the document type have more names than the limit of 500"));
+}
+
+TEST_P(UntrustedInputTest, CountsTheNamesInContentModelsOnce)
+{
+    ParserLimits limits;
+    limits.maxDeclarations = 2;
+    EXPECT_EQ(Load(WithDocumentType("<!ELEMENT r (#PCDATA|a|b)*><!ELEMENT a (b,(r|a)?)>", "<r/>"), limits),
+              Refused(1, u"the content models of the document type have more names than the limit of 2"));
+    EXPECT_EQ(Load(WithDocumentType("<!ELEMENT r (#PCDATA|a|r)*><!ELEMENT a (r,(r|a)?)>", "<r/>"), limits),
+              IsLoaded);
 }
 
 TEST_P(UntrustedInputTest, EndsANestedContentModel)

@@ -229,6 +229,7 @@ class CountingHandler : public xercesc_3_0::DefaultHandler
     int locators = 0;
     int documents = 0;
     int elements = 0;
+    int chunks = 0;
     int entities = 0;
     int declarations = 0;
     int fatalErrors = 0;
@@ -240,6 +241,7 @@ class CountingHandler : public xercesc_3_0::DefaultHandler
     {
         ++elements;
     }
+    void characters(const XMLCh*, XMLSize_t) override { ++chunks; }
     void startEntity(const XMLCh*) override { ++entities; }
     void internalEntityDecl(const XMLCh*, const XMLCh*) override { ++declarations; }
     void fatalError(const xercesc_3_0::SAXParseException&) override { ++fatalErrors; }
@@ -362,6 +364,49 @@ TEST(UntrustedStream, CanBeEchoed)
     EXPECT_EQ(NuvTest::LoadStream(*reader, "<r a='1'>text<b>&lt;</b></r>"), IsLoaded);
     const std::string echo(reinterpret_cast<const char*>(target.getRawBuffer()), target.getLen());
     EXPECT_NE(echo.find("<r a=\"1\">text<b>&lt;</b></r>"), echo.npos) << echo;
+}
+
+TEST(UntrustedStream, KeepsItsSettingsFromDocumentToDocument)
+{
+    using xercesc_3_0::XMLUni;
+    ParserLimits limits;
+    limits.maxElementNames = 1;
+    const auto reader = NuvXML::CreateSAX2Reader(limits);
+    const XMLCh* const features[] = {XMLUni::fgXercesGenerateSyntheticAnnotations,
+                                     XMLUni::fgXercesValidateAnnotations,
+                                     XMLUni::fgXercesIgnoreCachedDTD,
+                                     XMLUni::fgXercesIgnoreAnnotations,
+                                     XMLUni::fgXercesDisableDefaultEntityResolution,
+                                     XMLUni::fgXercesSkipDTDValidation,
+                                     XMLUni::fgXercesHandleMultipleImports,
+                                     XMLUni::fgXercesCalculateSrcOfs,
+                                     XMLUni::fgXercesLoadExternalDTD};
+    XMLSize_t lowWaterMark = 77;
+    reader->setProperty(XMLUni::fgXercesLowWaterMark, &lowWaterMark);
+    for (const bool value : {true, false})
+    {
+        for (const XMLCh* const feature : features)
+            reader->setFeature(feature, value);
+        for (const char* text : {"<a/>", "<b/>", "<c/>"})
+            EXPECT_EQ(NuvTest::LoadStream(*reader, text), IsLoaded);
+        for (const XMLCh* const feature : features)
+            EXPECT_EQ(reader->getFeature(feature), value) << UniString(feature);
+        EXPECT_EQ(*static_cast<XMLSize_t*>(reader->getProperty(XMLUni::fgXercesLowWaterMark)), 77u);
+    }
+}
+
+TEST(UntrustedStream, KeepsItsBufferSizeFromDocumentToDocument)
+{
+    ParserLimits limits;
+    limits.maxElementNames = 1;
+    const auto reader = NuvXML::CreateSAX2Reader(limits);
+    CountingHandler handler;
+    reader->setContentHandler(&handler);
+    reader->setInputBufferSize(4'000'000);
+    const std::string text = Repeat("x", 1'500'000);
+    for (const std::string& name : {std::string("a"), std::string("b"), std::string("c")})
+        EXPECT_EQ(NuvTest::LoadStream(*reader, "<" + name + ">" + text + "</" + name + ">"), IsLoaded);
+    EXPECT_EQ(handler.chunks, 3);
 }
 
 } // namespace
