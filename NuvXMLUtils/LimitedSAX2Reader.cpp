@@ -2,7 +2,10 @@
 
 #include "NuvXMLUtils/ParseGuard.hpp"
 
+#include <xercesc/framework/XMLErrorCodes.hpp>
 #include <xercesc/parsers/SAX2XMLReaderImpl.hpp>
+#include <xercesc/sax/SAXException.hpp>
+#include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLString.hpp>
@@ -22,6 +25,12 @@ using xercesc_3_0::SAX2XMLReaderImpl;
 bool Equals(const XMLCh* left, const XMLCh* right)
 {
     return xercesc_3_0::XMLString::compareIStringASCII(left, right) == 0; // as Xerces compares
+}
+
+bool TellsOfDocumentTypes(const XMLCh* scanner)
+{
+    return !xercesc_3_0::XMLString::equals(scanner, xercesc_3_0::XMLUni::fgWFXMLScanner) &&
+           !xercesc_3_0::XMLString::equals(scanner, xercesc_3_0::XMLUni::fgSGXMLScanner);
 }
 
 /// Takes the place of handlers that are not set.
@@ -69,6 +78,14 @@ class LimitedSAX2Reader : public SAX2XMLReaderImpl
         SAX2XMLReaderImpl::setEntityResolver(resolver ? resolver : &noHandlers);
     }
 
+    void setXMLEntityResolver(xercesc_3_0::XMLEntityResolver* resolver) override
+    {
+        if (resolver)
+            SAX2XMLReaderImpl::setXMLEntityResolver(resolver);
+        else
+            setEntityResolver(nullptr);
+    }
+
     void setDTDHandler(xercesc_3_0::DTDHandler* handler) override
     {
         SAX2XMLReaderImpl::setDTDHandler(handler ? handler : &noHandlers);
@@ -90,8 +107,15 @@ class LimitedSAX2Reader : public SAX2XMLReaderImpl
 
     void setProperty(const XMLCh* name, void* value) override
     {
-        if (Equals(name, xercesc_3_0::XMLUni::fgXercesScannerName))
+        using xercesc_3_0::XMLUni;
+        if (Equals(name, XMLUni::fgXercesSecurityManager) && guard.GetSecurityManager())
+            throw xercesc_3_0::SAXNotSupportedException("Entity expansion is limited already.");
+        if (Equals(name, XMLUni::fgXercesScannerName))
+        {
+            if (guard.GetLimits().forbidDocumentTypes && !TellsOfDocumentTypes(static_cast<XMLCh*>(value)))
+                throw xercesc_3_0::SAXNotSupportedException("This scanner would pass over document types.");
             guard.SetLocator(nullptr); // it belongs to the scanner
+        }
         SAX2XMLReaderImpl::setProperty(name, value);
     }
 
@@ -140,6 +164,16 @@ class LimitedSAX2Reader : public SAX2XMLReaderImpl
     }
 
     // Events.
+
+    /// A reader that is told to go on after fatal errors must not go on with expanding entities.
+    void error(unsigned int code, const XMLCh* domain, ErrTypes type, const XMLCh* text,
+               const XMLCh* systemId, const XMLCh* publicId, XMLFileLoc line, XMLFileLoc column) override
+    {
+        SAX2XMLReaderImpl::error(code, domain, type, text, systemId, publicId, line, column);
+        if (!getExitOnFirstFatalError() && code == xercesc_3_0::XMLErrs::EntityExpansionLimitExceeded &&
+            xercesc_3_0::XMLString::equals(domain, xercesc_3_0::XMLUni::fgXMLErrDomain))
+            throw xercesc_3_0::SAXParseException(text, publicId, systemId, line, column);
+    }
 
     void startDocument() override
     {

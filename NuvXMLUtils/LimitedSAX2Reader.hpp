@@ -18,9 +18,15 @@ namespace NuvXML
 /// that keeps to the limits in each parse. Grammars that it is to load belong into the pool beforehand: what
 /// it loads itself is subject to the limits too.
 ///
-/// A document that goes beyond a limit ends the parse with a xercesc_3_0::SAXParseException, for which the
-/// error handler is not asked. The one exception is maxEntityExpansions, which Xerces itself tells the error
-/// handler as a fatal error; without a handler that is thrown, like every fatal error.
+/// A document that exceeds a limit ends the parse with a xercesc_3_0::SAXParseException, and the error
+/// handler is not asked. The one exception is maxEntityExpansions, which Xerces itself reports to the error
+/// handler as a fatal error; without a handler, and in a reader that goes on after fatal errors, it is
+/// thrown.
+///
+/// No setting lifts a limit. `setProperty` throws a xercesc_3_0::SAXNotSupportedException for another
+/// security manager while maxEntityExpansions is set, and for a scanner that skips document types
+/// (WFXMLScanner, SGXMLScanner) while they are forbidden. Where external entities are forbidden, a hint to a
+/// schema is ignored, or refused if the feature that loads schemas is switched on.
 /// @param grammarPool is not owned; it may be null
 /// @throws xercesc_3_0::XMLException when Xerces is not running
 NUVXMLUTILS_API std::unique_ptr<xercesc_3_0::SAX2XMLReader>

@@ -10,8 +10,12 @@
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/framework/MemBufFormatTarget.hpp>
 #include <xercesc/framework/XMLFormatter.hpp>
+#include <xercesc/parsers/SAX2XMLReaderImpl.hpp>
+#include <xercesc/sax/SAXException.hpp>
 #include <xercesc/sax2/Attributes.hpp>
 #include <xercesc/sax2/DefaultHandler.hpp>
+#include <xercesc/util/SecurityManager.hpp>
+#include <xercesc/util/XMLEntityResolver.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
 #include <string>
@@ -252,6 +256,19 @@ class CountingHandler : public xercesc_3_0::DefaultHandler
     }
 };
 
+/// Counts what Xerces' newer interface asks it.
+class CountingResolver : public xercesc_3_0::XMLEntityResolver
+{
+  public:
+    int resolved = 0;
+
+    xercesc_3_0::InputSource* resolveEntity(xercesc_3_0::XMLResourceIdentifier*) override
+    {
+        ++resolved;
+        return new xercesc_3_0::MemBufInputSource(NuvTest::Bytes(""), 0, u"nothing");
+    }
+};
+
 constexpr char SmallDocument[] = "<!DOCTYPE r [<!ENTITY e '<a/>'>]><r>&e;&e;</r>";
 
 TEST(UntrustedStream, CountsEmptyElementsOnTheirOwnLevelOnly)
@@ -364,6 +381,127 @@ TEST(UntrustedStream, CanBeEchoed)
     EXPECT_EQ(NuvTest::LoadStream(*reader, "<r a='1'>text<b>&lt;</b></r>"), IsLoaded);
     const std::string echo(reinterpret_cast<const char*>(target.getRawBuffer()), target.getLen());
     EXPECT_NE(echo.find("<r a=\"1\">text<b>&lt;</b></r>"), echo.npos) << echo;
+}
+
+// What a caller can set.
+
+xercesc_3_0::SAX2XMLReaderImpl& ImplementationOf(xercesc_3_0::SAX2XMLReader& reader)
+{
+    return dynamic_cast<xercesc_3_0::SAX2XMLReaderImpl&>(reader);
+}
+
+const Loaded IsExternal = Refused(1, u"external entities are forbidden; the document refers to 'r.dtd'");
+constexpr char ExternalDocument[] = "<!DOCTYPE r SYSTEM 'r.dtd'><r/>";
+
+TEST(UntrustedStream, KeepsItsLimitsWhateverResolverIsSet)
+{
+    const auto reader = NuvXML::CreateSAX2Reader(ParserLimits::ForUntrustedInput());
+    auto& implementation = ImplementationOf(*reader);
+    CountingHandler handler;
+    CountingResolver resolver;
+    implementation.setXMLEntityResolver(nullptr);
+    EXPECT_EQ(NuvTest::LoadStream(*reader, ExternalDocument), IsExternal);
+    implementation.setXMLEntityResolver(&resolver);
+    EXPECT_EQ(NuvTest::LoadStream(*reader, ExternalDocument), IsExternal);
+    implementation.setEntityResolver(&handler);
+    implementation.setXMLEntityResolver(nullptr);
+    EXPECT_EQ(NuvTest::LoadStream(*reader, ExternalDocument), IsExternal);
+    EXPECT_EQ(resolver.resolved + handler.resolved, 0);
+}
+
+TEST(UntrustedStream, AsksTheLastResolverWithinItsLimits)
+{
+    const auto reader = NuvXML::CreateSAX2Reader(OneLevel());
+    CountingHandler handler;
+    CountingResolver resolver;
+    reader->setEntityResolver(&handler);
+    ImplementationOf(*reader).setXMLEntityResolver(&resolver);
+    EXPECT_EQ(NuvTest::LoadStream(*reader, ExternalDocument), IsLoaded);
+    EXPECT_EQ(resolver.resolved, 1);
+    reader->setEntityResolver(&handler);
+    NuvTest::LoadStream(*reader, "<!DOCTYPE r [<!ENTITY e SYSTEM 'no such file'>]><r>&e;</r>");
+    EXPECT_EQ(handler.resolved, 1);
+    EXPECT_EQ(resolver.resolved, 1);
+}
+
+TEST(UntrustedStream, DoesNotLetGoOfItsSecurityManager)
+{
+    ParserLimits limits;
+    limits.maxEntityExpansions = 1;
+    const auto reader = NuvXML::CreateSAX2Reader(limits);
+    xercesc_3_0::SecurityManager lenient;
+    for (xercesc_3_0::SecurityManager* const other :
+         {&lenient, static_cast<xercesc_3_0::SecurityManager*>(nullptr)})
+        EXPECT_THROW(reader->setProperty(xercesc_3_0::XMLUni::fgXercesSecurityManager, other),
+                     xercesc_3_0::SAXNotSupportedException);
+    EXPECT_FALSE(NuvTest::LoadStream(*reader, SmallDocument).isLoaded);
+    EXPECT_NO_THROW(NuvXML::CreateSAX2Reader(OneLevel())
+                        ->setProperty(xercesc_3_0::XMLUni::fgXercesSecurityManager, &lenient));
+}
+
+TEST(UntrustedStream, EndsAtTooManyEntitiesThoughItIsToGoOnAfterErrors)
+{
+    ParserLimits limits;
+    limits.maxEntityExpansions = 2;
+    const auto reader = NuvXML::CreateSAX2Reader(limits);
+    CountingHandler handler;
+    reader->setContentHandler(&handler);
+    reader->setErrorHandler(&handler);
+    reader->setExitOnFirstFatalError(false);
+    const std::string text = "<!DOCTYPE r [<!ENTITY e '<a/>'>]><r>" + Repeat("&e;", 100) + "</r>";
+    EXPECT_FALSE(NuvTest::LoadStream(*reader, text).isLoaded);
+    EXPECT_EQ(handler.elements, 3);
+    EXPECT_EQ(handler.fatalErrors, 1);
+    EXPECT_EQ(NuvTest::LoadStream(*reader, "<r></s>"), IsLoaded) << "Other errors are the handler's.";
+}
+
+TEST(UntrustedStream, TakesNoScannerThatWouldPassOverForbiddenDocumentTypes)
+{
+    using xercesc_3_0::XMLUni;
+    ParserLimits limits;
+    limits.forbidDocumentTypes = true;
+    const auto reader = NuvXML::CreateSAX2Reader(limits);
+    for (const XMLCh* const scanner : {XMLUni::fgWFXMLScanner, XMLUni::fgSGXMLScanner})
+        EXPECT_THROW(reader->setProperty(XMLUni::fgXercesScannerName, const_cast<XMLCh*>(scanner)),
+                     xercesc_3_0::SAXNotSupportedException);
+    for (const XMLCh* const scanner : {XMLUni::fgDGXMLScanner, XMLUni::fgIGXMLScanner})
+    {
+        reader->setProperty(XMLUni::fgXercesScannerName, const_cast<XMLCh*>(scanner));
+        EXPECT_EQ(NuvTest::LoadStream(*reader, SmallDocument), Refused(1, u"document types are forbidden"));
+    }
+}
+
+TEST(UntrustedStream, KeepsItsLimitsWithEveryScanner)
+{
+    using xercesc_3_0::XMLUni;
+    const auto reader = NuvXML::CreateSAX2Reader(OneLevel());
+    for (const XMLCh* const scanner :
+         {XMLUni::fgWFXMLScanner, XMLUni::fgSGXMLScanner, XMLUni::fgDGXMLScanner, XMLUni::fgIGXMLScanner})
+    {
+        reader->setProperty(XMLUni::fgXercesScannerName, const_cast<XMLCh*>(scanner));
+        EXPECT_EQ(NuvTest::LoadStream(*reader, TwoLevels), IsTooDeep);
+    }
+}
+
+TEST(UntrustedStream, KeepsItsLimitsWhateverElseIsSet)
+{
+    const NuvTest::ScratchFolder scratch;
+    const NuvTest::CurrentFolderScope current(scratch.Path());
+    scratch.Write("hinted.xsd", HintedSchema);
+    ParserLimits limits = ParserLimits::ForUntrustedInput();
+    limits.maxNesting = 1;
+    const auto reader = NuvXML::CreateSAX2Reader(limits);
+    const auto other = NuvXML::CreateSAX2Reader(limits);
+    auto& implementation = ImplementationOf(*reader);
+    implementation.installAdvDocHandler(&ImplementationOf(*other));
+    implementation.removeAdvDocHandler(&ImplementationOf(*other));
+    implementation.setPSVIHandler(nullptr);
+    EXPECT_EQ(NuvTest::LoadStream(*reader, TwoLevels), IsTooDeep);
+    NuvTest::WatchedFolder watch(scratch);
+    reader->setFeature(xercesc_3_0::XMLUni::fgXercesLoadSchema, true);
+    EXPECT_EQ(NuvTest::LoadStream(*reader, HintingDocument),
+              Refused(1, u"external entities are forbidden; the document refers to 'hinted.xsd'"));
+    EXPECT_FALSE(watch.WasTouched());
 }
 
 TEST(UntrustedStream, KeepsItsSettingsFromDocumentToDocument)
