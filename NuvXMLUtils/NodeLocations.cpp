@@ -1,12 +1,28 @@
 #include "NuvXMLUtils/NodeLocations.hpp"
 
 #include <algorithm>
+#include <utility>
 
 NodeLocations::NodeLocations() = default;
 
-NodeLocations::~NodeLocations()
+NodeLocations::NodeLocations(NodeLocations&& other) noexcept { *this = std::move(other); }
+
+NodeLocations& NodeLocations::operator=(NodeLocations&& other) noexcept
 {
-    // Block by block: a chain that frees itself would recurse once a block.
+    if (this == &other)
+        return *this;
+    Clear();
+    first = std::move(other.first);
+    last = std::exchange(other.last, nullptr);
+    usedInLast = std::exchange(other.usedInLast, BlockSize);
+    return *this;
+}
+
+NodeLocations::~NodeLocations() { Clear(); }
+
+/// Frees block by block: a chain that frees itself would recurse once a block.
+void NodeLocations::Clear() noexcept
+{
     while (first)
         first = std::move(first->next);
 }

@@ -35,6 +35,11 @@ class NUVXMLUTILS_API NodeLocations
     NodeLocations();
     NodeLocations(const NodeLocations&) = delete;
     NodeLocations& operator=(const NodeLocations&) = delete;
+
+    /// Takes the entries over, which stay where they are, and leaves `other` empty.
+    NodeLocations(NodeLocations&& other) noexcept;
+    NodeLocations& operator=(NodeLocations&& other) noexcept;
+
     ~NodeLocations();
 
     /// Adds an entry, also when there is one for the node.
@@ -56,6 +61,8 @@ class NUVXMLUTILS_API NodeLocations
         std::array<const xercesc_3_0::DOMNode*, BlockSize> nodes;
         std::unique_ptr<Block> next;
     };
+
+    void Clear() noexcept;
 
     std::unique_ptr<Block> first;
     Block* last = nullptr;

@@ -318,6 +318,16 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(const unsigned char* buffer
                                                      NodeLocationInfo* errorLocation,
                                                      Nuv::UniString* errorMessage)
 {
+    return ParseMemory(buffer, size, nullptr, scheme, createEntityRefNodes, systemId, nodeLocations,
+                       errorLocation, errorMessage);
+}
+
+xercesc_3_0::DOMDocument*
+ValidatingXMLParser::ParseMemory(const unsigned char* buffer, size_t size, const XMLCh* encoding,
+                                 ValSchemes scheme, bool createEntityRefNodes, const Nuv::UniString& systemId,
+                                 NodeLocations* nodeLocations, NodeLocationInfo* errorLocation,
+                                 Nuv::UniString* errorMessage)
+{
     const FailureReport failure{errorLocation, errorMessage};
     if (hasLostSchema || !EnsureParser())
         return failure.Null(FailedToParse);
@@ -325,6 +335,8 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(const unsigned char* buffer
     ranOutOfMemory = !source;
     if (!source)
         return failure.Null(FailedToParse);
+    if (encoding)
+        source->setEncoding(encoding);
     return Parse(*source, scheme, createEntityRefNodes, nodeLocations, errorLocation, errorMessage);
 }
 

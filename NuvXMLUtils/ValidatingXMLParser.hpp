@@ -28,7 +28,8 @@
 namespace NuvXML
 {
 class ParseGuard;
-}
+struct DocumentLoader;
+} // namespace NuvXML
 
 /// A parser that can be used again and again, by one thread at a time.
 ///
@@ -104,6 +105,14 @@ class NUVXMLUTILS_API ValidatingXMLParser
     bool RanOutOfMemory() const { return ranOutOfMemory; }
 
   private:
+    friend struct NuvXML::DocumentLoader;
+
+    /// @param encoding null for the encoding that the text declares
+    xercesc_3_0::DOMDocument* ParseMemory(const unsigned char* buffer, size_t size, const XMLCh* encoding,
+                                          ValSchemes scheme, bool createEntityRefNodes,
+                                          const Nuv::UniString& systemId, NodeLocations* nodeLocations,
+                                          NodeLocationInfo* errorLocation, Nuv::UniString* errorMessage);
+
     xercesc_3_0::DOMDocument* Parse(xercesc_3_0::InputSource& source, ValSchemes scheme,
                                     bool createEntityRefNodes, NodeLocations* nodeLocations,
                                     NodeLocationInfo* errorLocation, Nuv::UniString* errorMessage);

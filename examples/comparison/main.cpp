@@ -5,12 +5,13 @@
 #include "WithoutTimeStamp.hpp"
 
 #include "InputOutput/Location.hpp"
+#include "NuvXMLUtils/LoadDocument.hpp"
 #include "NuvXMLUtils/NodePlaces.hpp"
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
 #include "NuvXMLUtils/XMLDifferences.hpp"
 
 #include <cstdio>
 #include <string>
+#include <utility>
 
 namespace
 {
@@ -22,13 +23,11 @@ constexpr double Tolerance = 1e-3;
 /// Null, with a message on standard error, when the file is not well formed or not there.
 Document Load(const std::string& path)
 {
-    NodeLocationInfo error;
-    Nuv::UniString message;
-    Document document(ParseXMLDoc(IO::Location(Nuv::UniString(path)), xercesc_3_0::XercesDOMParser::Val_Never,
-                                  false, nullptr, &error, &message));
-    if (!document)
-        std::fprintf(stderr, "%s:%u: %s\n", path.c_str(), error.lineNumber, message.ToString().c_str());
-    return document;
+    NuvXML::Loaded loaded = NuvXML::LoadDocument(IO::Location(Nuv::UniString(path)));
+    if (!loaded)
+        std::fprintf(stderr, "%s:%u: %s\n", path.c_str(), loaded.place.lineNumber,
+                     loaded.reason.ToString().c_str());
+    return std::move(loaded.document);
 }
 
 //! [first]

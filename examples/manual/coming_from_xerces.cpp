@@ -3,7 +3,7 @@
 
 #include "NuvRoot/Exceptions.hpp"
 #include "NuvXMLUtils/FormatXMLDoc.hpp"
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
+#include "NuvXMLUtils/LoadDocument.hpp"
 #include "NuvXMLUtils/XMLCompare.hpp"
 
 #include <xercesc/dom/DOM.hpp>
@@ -21,6 +21,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 constexpr std::string_view Damaged = "<Wall>\n  <Height>275</Heigth>\n</Wall>";
 constexpr std::string_view Wall = "<Wall><Name>Süd</Name></Wall>";
@@ -102,17 +103,10 @@ namespace WithNuvXMLUtils
 //! [load]
 NuvXML::XercesPtr<xercesc_3_0::DOMDocument> Load(std::string_view text, const ParserLimits& limits = {})
 {
-    ValidatingXMLParser parser;
-    parser.SetLimits(limits);
-    NodeLocationInfo place;
-    Nuv::UniString reason;
-    NuvXML::XercesPtr<xercesc_3_0::DOMDocument> document(
-        parser.Parse(reinterpret_cast<const unsigned char*>(text.data()),
-                     static_cast<unsigned int>(text.size()), ValidatingXMLParser::LineInfoParser::Val_Never,
-                     true, Nuv::UniString(u"sample"), nullptr, &place, &reason));
-    if (!document)
-        std::cout << "  line " << place.lineNumber << ": " << reason << '\n';
-    return document;
+    NuvXML::Loaded loaded = NuvXML::LoadDocument(text, {.limits = limits});
+    if (!loaded)
+        std::cout << "  line " << loaded.place.lineNumber << ": " << loaded.reason << '\n';
+    return std::move(loaded.document);
 }
 //! [load]
 

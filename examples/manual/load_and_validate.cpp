@@ -1,7 +1,7 @@
 // Loads a schema, then documents that are right, wrong in two ways, and missing; finds lines; shows what
 // becomes of entity references.
 
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
+#include "NuvXMLUtils/LoadDocument.hpp"
 
 #include <xercesc/dom/DOMElement.hpp>
 
@@ -27,16 +27,14 @@ void Tell(const char* what, const Fault& fault)
 }
 
 /// A parser that validates is made once and parses many documents.
-Document Parse(ValidatingXMLParser& parser, std::string_view text, bool createEntityRefNodes = true)
+void Parse(ValidatingXMLParser& parser, std::string_view text)
 {
     Fault fault;
-    Document document(parser.Parse(reinterpret_cast<const unsigned char*>(text.data()),
-                                   static_cast<unsigned int>(text.size()), Scheme::Val_Never,
-                                   createEntityRefNodes, Nuv::UniString(u"memory"), nullptr, &fault.place,
-                                   &fault.reason));
+    const Document document(parser.Parse(reinterpret_cast<const unsigned char*>(text.data()),
+                                         static_cast<unsigned int>(text.size()), Scheme::Val_Never, true,
+                                         Nuv::UniString(u"memory"), nullptr, &fault.place, &fault.reason));
     if (!document)
         Tell("A text", fault);
-    return document;
 }
 
 void ShowLines(ValidatingXMLParser& parser)
@@ -50,12 +48,11 @@ void ShowLines(ValidatingXMLParser& parser)
                   << lines.Find(wall)->lineNumber << '\n';
 }
 
-void ShowEntityReference(bool createEntityRefNodes)
+void ShowEntityReference(bool areNodes)
 {
-    ValidatingXMLParser parser;
-    const Document document = Parse(
-        parser, "<!DOCTYPE Wall [<!ENTITY kind 'brick'>]><Wall>&kind; wall</Wall>", createEntityRefNodes);
-    const auto* child = document->getDocumentElement()->getFirstChild();
+    const NuvXML::Loaded wall = NuvXML::LoadDocument(
+        "<!DOCTYPE Wall [<!ENTITY kind 'brick'>]><Wall>&kind; wall</Wall>", {.entityReferences = areNodes});
+    const auto* child = wall.document->getDocumentElement()->getFirstChild();
     std::cout << "The first child is " << Nuv::UniString(child->getNodeName()) << " of the text "
               << Nuv::UniString(child->getTextContent()) << '\n';
 }

@@ -1,6 +1,6 @@
 // Documents that say by marker attributes how they want to be compared.
 
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
+#include "NuvXMLUtils/LoadDocument.hpp"
 #include "NuvXMLUtils/XMLCompare.hpp"
 
 #include <iostream>
@@ -8,14 +8,6 @@
 
 namespace
 {
-
-NuvXML::XercesPtr<xercesc_3_0::DOMDocument> Load(std::string_view text)
-{
-    return NuvXML::XercesPtr<xercesc_3_0::DOMDocument>(
-        ParseXMLDoc(reinterpret_cast<const unsigned char*>(text.data()),
-                    static_cast<unsigned int>(text.size()), ValidatingXMLParser::LineInfoParser::Val_Never,
-                    true, Nuv::UniString(u"sample"), nullptr, nullptr, nullptr));
-}
 
 /// Takes no notice of the markers themselves: here one document has them and the other has not.
 class MarkedOnOneSide : public NuvXML::AttrRuledCompareOptions
@@ -31,8 +23,8 @@ class MarkedOnOneSide : public NuvXML::AttrRuledCompareOptions
 
 void Compare(std::string_view expected, std::string_view actual)
 {
-    const auto left = Load(expected);
-    const auto right = Load(actual);
+    const auto left = NuvXML::LoadDocument(expected).document;
+    const auto right = NuvXML::LoadDocument(actual).document;
     NuvXML::SkipWhitespaceTextsCompareFilter filter;
     NuvXML::XMLCompareStrictOrder comparator;
     try

@@ -2,10 +2,10 @@
 
 #include "NuvRoot/Exceptions.hpp"
 #include "NuvXMLUtils/DOMHelpers.hpp"
+#include "NuvXMLUtils/LoadDocument.hpp"
 #include "NuvXMLUtils/NuvXMLDOMBuilder.hpp"
 #include "NuvXMLUtils/NuvXMLDOMReader.hpp"
 #include "NuvXMLUtils/NuvXMLInterface.hpp"
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
 #include "NuvXMLUtils/XMLCompare.hpp"
 
 #include <xercesc/dom/DOMException.hpp>
@@ -29,16 +29,8 @@ const unsigned char* Bytes(std::string_view text)
     return reinterpret_cast<const unsigned char*>(text.data());
 }
 
-unsigned int Size(std::string_view text) { return static_cast<unsigned int>(text.size()); }
-
 /// The reason why a text cannot be loaded.
-UniString Load(std::string_view text)
-{
-    UniString reason;
-    ParseXMLDoc(Bytes(text), Size(text), ValidatingXMLParser::LineInfoParser::Val_Never, true,
-                UniString(u"memory"), nullptr, nullptr, &reason);
-    return reason;
-}
+UniString Load(std::string_view text) { return NuvXML::LoadDocument(text).reason; }
 
 UniString LoadSchema(const char16_t* file)
 {
@@ -66,8 +58,7 @@ class Document
 {
   public:
     explicit Document(std::string_view text)
-        : document(ParseXMLDoc(Bytes(text), Size(text), ValidatingXMLParser::LineInfoParser::Val_Never, true,
-                               UniString(u"memory"), nullptr, nullptr, nullptr))
+        : document(NuvXML::LoadDocument(text).document)
     {
     }
     operator const xercesc_3_0::DOMElement*() const { return document->getDocumentElement(); }

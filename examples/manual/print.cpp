@@ -1,11 +1,10 @@
 // Prints a document in several encodings and to a channel that fails.
 
 #include "NuvXMLUtils/FormatXMLDoc.hpp"
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
+#include "NuvXMLUtils/LoadDocument.hpp"
 
 #include <cstdio>
 #include <string>
-#include <string_view>
 
 namespace
 {
@@ -39,12 +38,9 @@ class FullDisk : public Nuv::OChannel
 
 int main()
 {
-    const std::string_view text =
-        "<?xml version='1.0' encoding='windows-1252'?><Price unit='\x80'>12 \xA3</Price>";
-    const NuvXML::XercesPtr<xercesc_3_0::DOMDocument> document(
-        ParseXMLDoc(reinterpret_cast<const unsigned char*>(text.data()),
-                    static_cast<unsigned int>(text.size()), ValidatingXMLParser::LineInfoParser::Val_Never,
-                    true, Nuv::UniString(u"price"), nullptr, nullptr, nullptr));
+    const auto document = NuvXML::LoadDocument("<?xml version='1.0' encoding='windows-1252'?>"
+                                               "<Price unit='\x80'>12 \xA3</Price>")
+                              .document;
     Print(document.get(), u"UTF-8", true);
     Print(document.get(), u"ISO-8859-1", true);
     Print(document.get(), u"ISO-8859-1", false); // the document's own encoding goes first

@@ -1,7 +1,7 @@
 // Loads and streams documents that nobody vouches for, within limits.
 
 #include "NuvXMLUtils/LimitedSAX2Reader.hpp"
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
+#include "NuvXMLUtils/LoadDocument.hpp"
 
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
@@ -34,18 +34,13 @@ const char Bomb[] = "<!DOCTYPE a [<!ENTITY e0 '!'><!ENTITY e1 '&e0;&e0;&e0;&e0;&
 
 const char Thief[] = "<!DOCTYPE a [<!ENTITY secret SYSTEM '/etc/passwd'>]>\n<a>&secret;</a>";
 
-void Load(ValidatingXMLParser& parser, const char* what, const std::string& text)
+void Load(const ParserLimits& limits, const char* what, const std::string& text)
 {
-    NodeLocationInfo place;
-    Nuv::UniString reason;
-    const NuvXML::XercesPtr<xercesc_3_0::DOMDocument> document(
-        parser.Parse(reinterpret_cast<const unsigned char*>(text.data()),
-                     static_cast<unsigned int>(text.size()), ValidatingXMLParser::LineInfoParser::Val_Never,
-                     false, Nuv::UniString(u"upload"), nullptr, &place, &reason));
-    if (document)
+    const NuvXML::Loaded loaded = NuvXML::LoadDocument(text, {.limits = limits});
+    if (loaded)
         std::cout << what << ": loaded\n";
     else
-        std::cout << what << ", line " << place.lineNumber << ": " << reason << '\n';
+        std::cout << what << ", line " << loaded.place.lineNumber << ": " << loaded.reason << '\n';
 }
 
 void Stream(const ParserLimits& limits, const char* what, const std::string& text)
@@ -69,16 +64,13 @@ catch (const xercesc_3_0::SAXParseException& exception)
 
 int main()
 {
-    ParserLimits limits = ParserLimits::ForUntrustedInput();
-    ValidatingXMLParser parser;
-    parser.SetLimits(limits);
-    Load(parser, "900 levels", Nested(900));
-    Load(parser, "2000 levels", Nested(2000));
-    Load(parser, "A bomb", Bomb);
-    Load(parser, "A thief", Thief);
+    ParserLimits limits = ParserLimits::ForUntrustedInput(); // the default of LoadDocument
+    Load(limits, "900 levels", Nested(900));
+    Load(limits, "2000 levels", Nested(2000));
+    Load(limits, "A bomb", Bomb);
+    Load(limits, "A thief", Thief);
     Stream(limits, "A streamed bomb", Bomb);
 
     limits.forbidDocumentTypes = true; // who needs none
-    parser.SetLimits(limits);
-    Load(parser, "Any document type", "<!DOCTYPE a [<!ELEMENT a ANY>]><a/>");
+    Load(limits, "Any document type", "<!DOCTYPE a [<!ELEMENT a ANY>]><a/>");
 }

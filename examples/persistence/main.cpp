@@ -8,8 +8,8 @@
 #include "InputOutput/File.hpp"
 #include "InputOutput/FileSystem.hpp"
 #include "InputOutput/Folder.hpp"
+#include "NuvXMLUtils/LoadDocument.hpp"
 #include "NuvXMLUtils/NuvXMLInterface.hpp"
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
 
 #include <algorithm>
 #include <chrono>
@@ -214,12 +214,10 @@ Outcome ReadDamaged(const IO::Location& location)
     }
     catch (const NuvXML::XMLIChannelException& exception)
     {
-        NodeLocationInfo place;
-        UniString reason;
-        ParseXMLDoc(location, ValidatingXMLParser::LineInfoParser::Val_Auto, true, nullptr, &place, &reason);
+        const NuvXML::Loaded loaded = NuvXML::LoadDocument(location);
         UniString text;
-        text.Printf("%S, line %u: %S", exception.GetMessage(), place.lineNumber, reason);
-        return {place.lineNumber != 0, SizeOf(location), text.ToUTF8()};
+        text.Printf("%S, line %u: %S", exception.GetMessage(), loaded.place.lineNumber, loaded.reason);
+        return {loaded.place.lineNumber != 0, SizeOf(location), text.ToUTF8()};
     }
 }
 

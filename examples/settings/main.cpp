@@ -6,7 +6,7 @@
 #include "InputOutput/File.hpp"
 #include "NuvXMLUtils/DOMHelpers.hpp"
 #include "NuvXMLUtils/FormatXMLDoc.hpp"
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
+#include "NuvXMLUtils/LoadDocument.hpp"
 
 #include <xercesc/dom/DOMImplementation.hpp>
 
@@ -164,22 +164,18 @@ class FaultTeller
 bool Read(const IO::Location& location, Settings& settings)
 {
     FaultTeller faults(location);
-    NodeLocations lines;
-    NodeLocationInfo errorLine;
-    Nuv::UniString errorMessage;
-    const NuvXML::XercesPtr<DOMDocument> document(ParseXMLDoc(
-        location, xercesc_3_0::AbstractDOMParser::Val_Never, false, &lines, &errorLine, &errorMessage));
-    if (!document)
+    //! [lines]
+    NuvXML::Loaded loaded = NuvXML::LoadDocument(location);
+    if (!loaded)
     {
-        faults.Tell(errorLine.lineNumber, errorMessage);
+        faults.Tell(loaded.place.lineNumber, loaded.reason);
         return false;
     }
-    //! [lines]
-    // This is how the exceptions come to know their lines.
-    document->setUserData(u"NodeLocations", &lines, nullptr);
+    // The exceptions look up their lines here.
+    loaded.document->setUserData(u"NodeLocations", &loaded.lines, nullptr);
     //! [lines]
 
-    const DOMElement* const root = document->getDocumentElement();
+    const DOMElement* const root = loaded.document->getDocumentElement();
     faults.Try([&] { settings.version = GetULongAttr(root, "version"); });
     for (const DOMElement* tag = GetFirstElementChild(root); tag; tag = GetNextElementSibling(tag))
         faults.Try([&] { ReadTag(tag, settings); });

@@ -1,27 +1,14 @@
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
+#include "NuvXMLUtils/LoadDocument.hpp"
 #include "NuvXMLUtils/XMLCompare.hpp"
 
 #include <iostream>
-#include <string_view>
-
-namespace
-{
-
-NuvXML::XercesPtr<xercesc_3_0::DOMDocument> Load(std::string_view text)
-{
-    return NuvXML::XercesPtr<xercesc_3_0::DOMDocument>(
-        ParseXMLDoc(reinterpret_cast<const unsigned char*>(text.data()),
-                    static_cast<unsigned int>(text.size()), ValidatingXMLParser::LineInfoParser::Val_Auto,
-                    true, Nuv::UniString(u"sample"), nullptr, nullptr, nullptr));
-}
-
-} // namespace
 
 // README: begin
 int main()
 {
-    const auto left = Load("<Wall> <Height>2.7500</Height> <Name>North</Name> </Wall>");
-    const auto right = Load("<Wall><Height>2.7501</Height><Name>South</Name></Wall>");
+    using NuvXML::LoadDocument;
+    const auto left = LoadDocument("<Wall> <Height>2.7500</Height> <Name>North</Name> </Wall>").document;
+    const auto right = LoadDocument("<Wall><Height>2.7501</Height><Name>South</Name></Wall>").document;
     NuvXML::StrictOrderAutoValueCompareOptions options;
     options.SetDoubleEps(0.001);
     NuvXML::SkipWhitespaceTextsCompareFilter filter;
