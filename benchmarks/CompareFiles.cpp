@@ -1,8 +1,7 @@
 /// @file
 /// `nuvxml compare` of two equal files beside a program that does the same through the library, one step
 /// after the other: reads both, parses them with the lines of their nodes, and compares them.
-#include "NuvXMLUtils/NodeLocations.hpp"
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
+#include "NuvXMLUtils/LoadDocument.hpp"
 #include "NuvXMLUtils/XMLCompare.hpp"
 #include "benchmarks/Inputs.hpp"
 #include "benchmarks/Peers.hpp"
@@ -28,15 +27,12 @@ struct LocatedDocument
     {
         std::ifstream file(path, std::ios::binary);
         const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-        document.reset(ParseXMLDoc(reinterpret_cast<const unsigned char*>(text.data()),
-                                   static_cast<unsigned int>(text.size()),
-                                   ValidatingXMLParser::LineInfoParser::Val_Never, false,
-                                   Nuv::UniString::FromUTF8(path), &lines, nullptr, nullptr));
-        Expect(document != nullptr, "ParseXMLDoc failed");
+        loaded =
+            NuvXML::LoadDocument(text, {.limits = ParserLimits(), .name = Nuv::UniString::FromUTF8(path)});
+        Expect(static_cast<bool>(loaded), "LoadDocument failed");
     }
 
-    NodeLocations lines;
-    XercesDocument document;
+    NuvXML::Loaded loaded;
 };
 
 void CompareThroughTheLibrary(const std::string& leftPath, const std::string& rightPath)
@@ -45,7 +41,7 @@ void CompareThroughTheLibrary(const std::string& leftPath, const std::string& ri
     const LocatedDocument right(rightPath);
     NuvXML::XMLCompareStrictOrder comparator;
     NuvXML::SkipWhitespaceTextsCompareFilter filter;
-    NuvXML::DoXMLCompare(left.document.get(), right.document.get(), &comparator, &filter,
+    NuvXML::DoXMLCompare(left.loaded.document.get(), right.loaded.document.get(), &comparator, &filter,
                          NuvXML::StrictOrderAutoValueCompareOptions());
 }
 

@@ -6,7 +6,7 @@
 #include "NuvRoot/Channels.hpp"
 #include "NuvRoot/UniString.hpp"
 #include "NuvXMLUtils/FormatXMLDoc.hpp"
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
+#include "NuvXMLUtils/LoadDocument.hpp"
 #include "NuvXMLUtils/Xerces.hpp"
 
 #include <xercesc/dom/DOM.hpp>
@@ -101,10 +101,11 @@ inline const bool IsWithoutNetwork = []
 /// Null for text that is not well-formed.
 inline Document Parse(std::string_view text, bool createEntityRefNodes = true, NodeLocations* lines = nullptr)
 {
-    return Document(ParseXMLDoc(reinterpret_cast<const unsigned char*>(text.data()),
-                                static_cast<unsigned int>(text.size()),
-                                ValidatingXMLParser::LineInfoParser::Val_Never, createEntityRefNodes,
-                                u"input", lines, nullptr, nullptr));
+    NuvXML::Loaded loaded =
+        NuvXML::LoadDocument(text, {.limits = ParserLimits(), .entityReferences = createEntityRefNodes});
+    if (lines)
+        *lines = std::move(loaded.lines);
+    return std::move(loaded.document);
 }
 
 inline std::string Print(const DOMDocument& document, const char16_t* encoding)

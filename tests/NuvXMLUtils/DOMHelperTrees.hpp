@@ -3,7 +3,7 @@
 #pragma once
 
 #include "NuvXMLUtils/DOMHelpers.hpp"
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
+#include "NuvXMLUtils/LoadDocument.hpp"
 
 #include <gtest/gtest.h>
 
@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace NuvTest
@@ -24,11 +25,11 @@ class Tree
   public:
     explicit Tree(std::string_view xml = "<r/>")
     {
-        document.reset(ParseXMLDoc(
-            reinterpret_cast<const unsigned char*>(xml.data()), static_cast<unsigned int>(xml.size()),
-            xercesc_3_0::AbstractDOMParser::Val_Never, true, u"tree.xml", &lines, nullptr, nullptr));
-        if (!document)
+        NuvXML::Loaded loaded = NuvXML::LoadDocument(xml, {.entityReferences = true, .name = u"tree.xml"});
+        if (!loaded)
             throw std::invalid_argument("not well-formed: " + std::string(xml));
+        lines = std::move(loaded.lines);
+        document = std::move(loaded.document);
         document->setUserData(u"NodeLocations", &lines, nullptr);
         root = document->getDocumentElement();
     }

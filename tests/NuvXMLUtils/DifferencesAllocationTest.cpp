@@ -1,8 +1,8 @@
 #include "CompareSupport.hpp"
 
+#include "NuvXMLUtils/LoadDocument.hpp"
 #include "NuvXMLUtils/NodePlaces.hpp"
 #include "NuvXMLUtils/SourceText.hpp"
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
 #include "NuvXMLUtils/XMLDifferences.hpp"
 #include "tests/support/FailingAllocator.hpp"
 
@@ -59,17 +59,14 @@ TEST(NodePlacesAllocationFailure, IsTheHostsExceptionAndLeavesNoPlaceWrong)
 {
     constexpr std::string_view Text =
         "<root_of_all>\n<first/>\n<other/><other/>\n<last>\ntext</last></root_of_all>";
-    NodeLocations lines;
-    const Document document(ParseXMLDoc(
-        reinterpret_cast<const unsigned char*>(Text.data()), static_cast<unsigned int>(Text.size()),
-        xercesc_3_0::XercesDOMParser::Val_Never, false, Nuv::UniString(u"memory"), &lines, nullptr, nullptr));
-    const auto* const first = document->getDocumentElement()->getFirstElementChild();
+    const NuvXML::Loaded loaded = NuvXML::LoadDocument(Text);
+    const auto* const first = loaded.document->getDocumentElement()->getFirstElementChild();
     const auto* const other = first->getNextElementSibling();
     const auto* const last = other->getNextElementSibling()->getNextElementSibling();
     const size_t failures = Sweep(
         [&]
         {
-            NodePlaces places(&lines);
+            NodePlaces places(&loaded.lines);
             ExpectOutOfMemoryOnly([&] { places.PathOf(first); });
             ExpectOutOfMemoryOnly([&] { places.LineOf(first); });
             const Pause pause;

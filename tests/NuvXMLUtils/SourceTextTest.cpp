@@ -1,6 +1,6 @@
 #include "NuvXMLUtils/SourceText.hpp"
 
-#include "NuvXMLUtils/ValidatingXMLParser.hpp"
+#include "NuvXMLUtils/LoadDocument.hpp"
 
 #include <gtest/gtest.h>
 
@@ -12,17 +12,10 @@ namespace
 
 using NuvXML::SourceText;
 
-NuvXML::XercesPtr<xercesc_3_0::DOMDocument> Parse(std::string_view text)
-{
-    return NuvXML::XercesPtr<xercesc_3_0::DOMDocument>(ParseXMLDoc(
-        reinterpret_cast<const unsigned char*>(text.data()), static_cast<unsigned int>(text.size()),
-        xercesc_3_0::XercesDOMParser::Val_Never, false, Nuv::UniString(u"test"), nullptr, nullptr, nullptr));
-}
-
 /// A line of a document.
 std::string LineOf(const std::string& bytes, unsigned int number)
 {
-    const auto document = Parse(bytes);
+    const auto document = NuvXML::LoadDocument(bytes).document;
     return document ? SourceText(bytes, *document).Line(number).ToUTF8() : "not well formed";
 }
 
@@ -84,7 +77,7 @@ TEST(SourceText, KnowsTheByteOrderOfUTF16)
 TEST(SourceText, TakesNoLongerForALongLine)
 {
     const std::string bytes = "<a>" + std::string(10'000'000, 'b') + "</a>";
-    const auto document = Parse(bytes);
+    const auto document = NuvXML::LoadDocument(bytes).document;
     const SourceText source(bytes, *document);
     for (int i = 0; i < 100'000; ++i)
         ASSERT_EQ(source.Line(1).GetLength(), SourceText::MaxLineLength + 4);
