@@ -1,5 +1,5 @@
 /// @file
-/// Percent-encoding of names in URLs (RFC 3986, section 2.1). Private to InputOutput.
+/// Percent-encoding of names in URLs (RFC 3986, section 2.1).
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 namespace IO
 {
 
-/// `text` with `%` and two upper-case digits for every byte that `isKept` refuses.
+/// Returns `text` with `%` and two upper-case digits in place of every byte that `isKept` refuses.
 template <class Predicate>
 std::string PercentEncode(std::string_view text, Predicate isKept)
 {
@@ -29,8 +29,8 @@ std::string PercentEncode(std::string_view text, Predicate isKept)
     return encoded;
 }
 
-/// The bytes that `text` stands for. A `%` without two hexadecimal digits behind it stands for itself, and so
-/// does `%00`: a zero byte would end the name for the operating system.
+/// Returns the bytes that `text` encodes. A `%` without two hexadecimal digits after it remains a `%`. So
+/// does that of `%00`, because a zero byte would end the name for the operating system.
 std::string PercentDecode(std::string_view text);
 
 } // namespace IO

@@ -1,6 +1,7 @@
 #include "NuvRoot/CodePages.hpp"
 
 #include "NuvRoot/Exceptions.hpp"
+#include "NuvRoot/LocalCodePage.hpp"
 
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
@@ -11,8 +12,6 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
-#include <langinfo.h>
-#include <locale.h>
 #include <memory>
 #include <optional>
 
@@ -21,93 +20,10 @@ namespace Nuv
 namespace
 {
 
-struct CloseConverter
-{
-    void operator()(UConverter* converter) const { ucnv_close(converter); }
-};
-using Converter = std::unique_ptr<UConverter, CloseConverter>;
-
-/// Whether ICU has its table of names. If there was no memory for it when it was first needed, ICU finds no
-/// name from then on.
-bool HasTableOfNames()
-{
-    UErrorCode status = U_ZERO_ERROR;
-    ucnv_countAliases("UTF-8", &status);
-    return U_SUCCESS(status);
-}
-
-/// Null when ICU does not know the name.
-Converter OpenConverter(const char* name)
-{
-    UErrorCode status = U_ZERO_ERROR;
-    Converter converter(ucnv_open(name, &status));
-    if (status == U_MEMORY_ALLOCATION_ERROR || (U_FAILURE(status) && !HasTableOfNames()))
-        throw OutOfMemoryException();
-    return U_SUCCESS(status) ? std::move(converter) : nullptr;
-}
-
-bool IsUTF8(UConverter* converter) { return ucnv_getType(converter) == UCNV_UTF8; }
-
-/// Whether ASCII text is the same text in the code page, so that it needs no converter. False for EBCDIC, for
-/// UTF-16 and for code pages with escape sequences.
-bool HoldsASCII(UConverter* converter)
-{
-    for (UChar expected = 0; expected < 0x80; ++expected)
-    {
-        UErrorCode status = U_ZERO_ERROR;
-        UChar unit[4];
-        const char byte = static_cast<char>(expected);
-        const int32_t length = ucnv_toUChars(converter, unit, 4, &byte, 1, &status);
-        if (U_FAILURE(status) || length != 1 || unit[0] != expected)
-            return false;
-    }
-    return true;
-}
-
 template <class Character>
 bool IsASCII(std::basic_string_view<Character> text)
 {
     return std::none_of(text.begin(), text.end(), [](Character unit) { return (unit & ~0x7F) != 0; });
-}
-
-constexpr char UTF8Name[] = "UTF-8";
-
-/// The code set that the environment asks for, which need not be the one of the process's C locale.
-std::string CodeSetOfEnvironment()
-{
-    const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
-    if (!locale)
-        return UTF8Name;
-    std::string codeSet = nl_langinfo_l(CODESET, locale);
-    freelocale(locale);
-    const Converter converter = OpenConverter(codeSet.c_str());
-    if (codeSet.empty() || !converter || ucnv_getType(converter.get()) == UCNV_US_ASCII)
-        return UTF8Name;
-    return codeSet;
-}
-
-struct LocalCodePage
-{
-    std::string name;
-    bool isUTF8;
-    bool holdsASCII;
-
-    LocalCodePage(std::string codePage, UConverter* converter)
-        : name(std::move(codePage))
-        , isUTF8(IsUTF8(converter))
-        , holdsASCII(HoldsASCII(converter))
-    {
-    }
-};
-
-LocalCodePage& Local()
-{
-    static LocalCodePage page = []
-    {
-        const std::string name = CodeSetOfEnvironment();
-        return LocalCodePage(name, OpenConverter(name.c_str()).get());
-    }();
-    return page;
 }
 
 // ICU counts in 32 bits; so text is converted in pieces, of which the result goes to `take` one after the
@@ -261,17 +177,6 @@ bool EncodeWith(UConverter* converter, std::u16string_view text, CodePages::OnLo
 }
 
 } // namespace
-
-void SetLocalCodePage(const char* ianaName)
-{
-    const Converter converter = ianaName && *ianaName ? OpenConverter(ianaName) : nullptr;
-    if (!converter)
-        throw GeneralException(UniString(u"Unknown code page: ") + UniString(ianaName), "CodePages",
-                               __LINE__);
-    Local() = LocalCodePage(ianaName, converter.get());
-}
-
-const char* GetLocalCodePage() { return Local().name.c_str(); }
 
 namespace CodePages
 {

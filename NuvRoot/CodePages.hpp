@@ -1,5 +1,5 @@
 /// @file
-/// Conversion between code pages and UTF-16, below UniString and the converters. Private to NuvRoot.
+/// Conversion between code pages and UTF-16, below UniString and the converters.
 #pragma once
 
 #include "NuvRoot/UniString.hpp"
@@ -29,7 +29,7 @@ size_t DecodedLength(std::string_view text, NuvCharCode code);
 
 /// Appends the encoded text to `out`; false, with `out` in any state, when a character is lost under
 /// OnLoss::Fail.
-/// @param utf8Replacement stands for half a surrogate pair in UTF-8; other code pages replace by `?`
+/// @param utf8Replacement replaces a lone surrogate in UTF-8; other code pages replace by `?`
 bool Encode(std::u16string_view text, NuvCharCode code, OnLoss onLoss, std::string& out,
             char32_t utf8Replacement = U'?');
 

@@ -3,6 +3,8 @@
 #include "Differences.hpp"
 #include "Folders.hpp"
 #include "Input.hpp"
+#include "Paths.hpp"
+#include "Progress.hpp"
 #include "Trouble.hpp"
 
 #include "NuvXMLUtils/XMLCompare.hpp"

@@ -1,14 +1,10 @@
 #include "Folders.hpp"
 
-#include "Input.hpp"
 #include "Trouble.hpp"
 
 #include "NuvRoot/UniString.hpp"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 #include <set>
 #include <system_error>
@@ -60,12 +56,6 @@ catch (const fs::filesystem_error& error)
 
 } // namespace
 
-bool IsFolder(const std::string& path)
-{
-    std::error_code notThere;
-    return path != StandardInput && fs::is_directory(path, notThere);
-}
-
 std::vector<FilePair> FilesOfFolders(const std::string& left, const std::string& right,
                                      const std::vector<std::string>& extensions)
 {
@@ -82,31 +72,6 @@ std::vector<FilePair> FilesOfFolders(const std::string& left, const std::string&
         pairs.push_back({(fs::path(left) / name).string(), (fs::path(right) / name).string(), presence});
     }
     return pairs;
-}
-
-Progress::Progress(const char* whatIsDone, size_t numberOfSteps)
-    : word(whatIsDone)
-    , total(numberOfSteps)
-    , isTerminal(isatty(STDERR_FILENO) != 0)
-    , next(Clock::now() + std::chrono::seconds(1))
-{
-}
-
-void Progress::Advance()
-{
-    ++done;
-    if (!isTerminal || Clock::now() < next)
-        return;
-    std::fprintf(stderr, "\r%s %zu of %zu files", word, done, total);
-    isShown = true;
-    next = Clock::now() + std::chrono::milliseconds(100);
-}
-
-void Progress::Clear()
-{
-    if (isShown)
-        std::fputs("\r\x1B[K", stderr);
-    isShown = false;
 }
 
 } // namespace Tool

@@ -1,6 +1,5 @@
 #include "Input.hpp"
 
-#include "Folders.hpp"
 #include "Output.hpp"
 #include "Trouble.hpp"
 
@@ -104,8 +103,6 @@ class FileStream : public xercesc_3_0::BinInputStream
 };
 
 } // namespace
-
-std::string DisplayName(const std::string& path) { return path == StandardInput ? "(standard input)" : path; }
 
 std::string ReadAll(const std::string& path)
 {

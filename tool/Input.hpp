@@ -2,6 +2,8 @@
 /// Documents that the tool reads.
 #pragma once
 
+#include "Paths.hpp"
+
 #include "NuvRoot/UniString.hpp"
 #include "NuvXMLUtils/NodeLocations.hpp"
 #include "NuvXMLUtils/NodePlaces.hpp"
@@ -19,12 +21,6 @@
 
 namespace Tool
 {
-
-/// The name that stands for standard input where a file is read.
-constexpr const char* StandardInput = "-";
-
-/// What messages call a file that the user has named `path`.
-std::string DisplayName(const std::string& path);
 
 /// All bytes of a file, or of standard input.
 /// @throws Trouble, also when they are more than can be parsed at once

@@ -46,11 +46,6 @@ int OpenFor(const fs::path& target, fs::path& written)
 
 } // namespace
 
-Trouble FileTrouble(std::string_view file, int error)
-{
-    return Trouble(PrintableLine(file) + ": " + std::generic_category().message(error));
-}
-
 Output::Output(int openDescriptor, std::string nameForMessages)
     : descriptor(openDescriptor)
     , name(std::move(nameForMessages))

@@ -7,14 +7,14 @@
 namespace Tool
 {
 
-/// Why the work could not be done, as the user is told.
+/// The reason why the work could not be done, as the user sees it.
 class Trouble : public std::runtime_error
 {
   public:
     using std::runtime_error::runtime_error;
 };
 
-/// Trouble that the operating system has had with a file; `error` is an errno.
+/// The operating system could not use a file; `error` is its errno.
 Trouble FileTrouble(std::string_view file, int error);
 
 } // namespace Tool
