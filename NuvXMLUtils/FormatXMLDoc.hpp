@@ -15,8 +15,10 @@
 /// A character that the encoding lacks is written as a character reference, such as `&#x20AC;`, wherever it
 /// is; a surrogate pair is one character. Half a pair is written as it is in UTF-16 and as a reference
 /// elsewhere. In attribute values `&`, `<`, quotation mark and apostrophe are escaped, in text `&`, `<` and
-/// the `>` of "]]>". A node that has no text of its own (an attribute, a document fragment, a notation)
-/// prints as the declaration alone.
+/// the `>` of "]]>". CDATA sections, comments and instructions have no escapes: with "]]>", "--" or "?>" in
+/// them the text does not parse. DOMBuilder::Export divides such a section and refuses the other two. A node
+/// that has no text of its own (an attribute, a document fragment, a notation) prints as the declaration
+/// alone.
 ///
 /// CDATA sections, comments and instructions are written as they are. So a section with "]]>" in it does not
 /// parse again, nor does a comment with "--" or an instruction with "?>", and a reference in one of them is

@@ -103,16 +103,6 @@ std::u16string WithLineFeeds(std::u16string_view text)
     return result;
 }
 
-/// Takes off the front of `text` what one CDATA section can hold.
-std::u16string TakeCDATASection(std::u16string_view& text)
-{
-    constexpr std::u16string_view sectionEnd = u"]]>";
-    const size_t end = text.find(sectionEnd);
-    std::u16string section(text.substr(0, end == text.npos ? end : end + sectionEnd.size() - 1));
-    text.remove_prefix(section.size());
-    return section;
-}
-
 bool IsXMLText(std::u16string_view text)
 {
     using xercesc_3_0::XMLChar1_0;
@@ -127,20 +117,85 @@ bool IsXMLText(std::u16string_view text)
     return true;
 }
 
-/// Lets everything through but CDATA sections with text that XML cannot hold: of these alone the serializer
-/// does not look at the text, and makes text that does not parse, or never returns.
-class CDATAGuard : public xercesc_3_0::DOMLSSerializerFilter
+/// Whether a comment can hold the text.
+bool IsCommentText(std::u16string_view text)
+{
+    return text.find(u"--") == text.npos && !text.ends_with(u'-');
+}
+
+/// Whether an instruction can have the target and the data.
+bool IsInstruction(std::u16string_view target, std::u16string_view data)
+{
+    return !Nuv::EqualIgnoringCase(target, u"xml") && data.find(u"?>") == data.npos;
+}
+
+/// Lets everything through but the nodes that the serializer gets wrong. It writes comments and instructions
+/// without looking at the markup in them. In CDATA sections it drops "]]>" and does not look at the
+/// characters: it makes text that does not parse, or never returns.
+class NodeGuard : public xercesc_3_0::DOMLSSerializerFilter
 {
   public:
-    FilterAction acceptNode(const xercesc_3_0::DOMNode* section) const override
+    /// @param serializerTarget where the serializer writes to; it keeps nothing back
+    explicit NodeGuard(xercesc_3_0::XMLFormatTarget& serializerTarget)
+        : target(serializerTarget)
     {
-        if (!IsXMLText(section->getNodeValue()))
-            throw DOMLSException(DOMLSException::SERIALIZE_ERR, 0,
-                                 xercesc_3_0::XMLPlatformUtils::fgMemoryManager);
-        return FILTER_ACCEPT;
     }
 
-    ShowType getWhatToShow() const override { return xercesc_3_0::DOMNodeFilter::SHOW_CDATA_SECTION; }
+    FilterAction acceptNode(const xercesc_3_0::DOMNode* node) const override
+    {
+        const std::u16string_view text = node->getNodeValue();
+        switch (node->getNodeType())
+        {
+        case xercesc_3_0::DOMNode::CDATA_SECTION_NODE:
+            Demand(IsXMLText(text));
+            WriteCDATASections(text);
+            return FILTER_REJECT; // it is written
+        case xercesc_3_0::DOMNode::COMMENT_NODE:
+            Demand(IsCommentText(text));
+            return FILTER_ACCEPT;
+        default:
+            Demand(IsInstruction(node->getNodeName(), text));
+            return FILTER_ACCEPT;
+        }
+    }
+
+    ShowType getWhatToShow() const override
+    {
+        using xercesc_3_0::DOMNodeFilter;
+        return DOMNodeFilter::SHOW_CDATA_SECTION | DOMNodeFilter::SHOW_COMMENT |
+               DOMNodeFilter::SHOW_PROCESSING_INSTRUCTION;
+    }
+
+  private:
+    /// @throws DOMLSException when there is no right form
+    static void Demand(bool isWritable)
+    {
+        if (!isWritable)
+            throw DOMLSException(DOMLSException::SERIALIZE_ERR, 0,
+                                 xercesc_3_0::XMLPlatformUtils::fgMemoryManager);
+    }
+
+    /// One section, or several, divided between "]]" and ">".
+    void WriteCDATASections(std::u16string_view text) const
+    {
+        const std::string bytes = Nuv::UniString(text).ToUTF8();
+        std::string_view rest = bytes;
+        Write("<![CDATA[");
+        for (size_t end = 0; (end = rest.find("]]>")) != rest.npos; rest.remove_prefix(end + 2))
+        {
+            Write(rest.substr(0, end + 2));
+            Write("]]><![CDATA[");
+        }
+        Write(rest);
+        Write("]]>");
+    }
+
+    void Write(std::string_view bytes) const
+    {
+        target.writeChars(reinterpret_cast<const XMLByte*>(bytes.data()), bytes.size(), nullptr);
+    }
+
+    xercesc_3_0::XMLFormatTarget& target;
 };
 
 void Serialise(const xercesc_3_0::DOMDocument& document, xercesc_3_0::XMLFormatTarget& target)
@@ -150,7 +205,7 @@ void Serialise(const xercesc_3_0::DOMDocument& document, xercesc_3_0::XMLFormatT
     const XercesPtr<xercesc_3_0::DOMLSOutput> output(implementation->createLSOutput(memoryManager));
     output->setEncoding(EncodingName);
     output->setByteStream(&target);
-    CDATAGuard guard;
+    NodeGuard guard(target);
     const XercesPtr<xercesc_3_0::DOMLSSerializer> serializer(
         implementation->createLSSerializer(memoryManager));
     serializer->setFilter(&guard);
@@ -319,10 +374,7 @@ int DOMBuilder::WriteXMLCDATAString(const Nuv::UniString& text)
 {
     if (!actualNode)
         return Nuv::Failure;
-    std::u16string_view rest = text.ToUTF16();
-    AppendToOpenElement(CreateCDATASection(TakeCDATASection(rest)));
-    while (!rest.empty())
-        Append(ActualNode(), CreateCDATASection(TakeCDATASection(rest)));
+    AppendToOpenElement(CreateCDATASection(text.ToUTF16()));
     return Nuv::Success;
 }
 
@@ -458,9 +510,9 @@ xercesc_3_0::DOMText* DOMBuilder::CreateText(const XMLCh* text)
     return WithOwnOutOfMemory([&] { return document->createTextNode(text); });
 }
 
-xercesc_3_0::DOMCDATASection* DOMBuilder::CreateCDATASection(const std::u16string& text)
+xercesc_3_0::DOMCDATASection* DOMBuilder::CreateCDATASection(const XMLCh* text)
 {
-    return WithOwnOutOfMemory([&] { return document->createCDATASection(text.c_str()); });
+    return WithOwnOutOfMemory([&] { return document->createCDATASection(text); });
 }
 
 /// The node begins a new line.

@@ -126,8 +126,8 @@ class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
     int WriteXMLTextNode(const Nuv::UniString& text) override;
     using Nuv::XMLOChannel::WriteXMLTextNode;
 
-    /// "]]>" cannot stand in a CDATA section: a text that holds it becomes several sections, divided between
-    /// "]]" and ">". Whoever parses the text reads every line end in it as a line feed.
+    /// The text becomes one section, also when it holds "]]>"; Export divides it there, and DOMReader joins
+    /// it. Whoever parses the text reads every line end in it as a line feed.
     int WriteXMLCDATAString(const Nuv::UniString& text) override;
     using Nuv::XMLOChannel::WriteXMLCDATAString;
 
@@ -177,11 +177,13 @@ class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
     virtual void SetReplaceCR(bool on);
     virtual bool GetReplaceCR();
 
-    // Result. The document may be exported at any time, as often as wanted, with elements still open.
-    // Xerces' serializer calls itself for each level: more than 50,000 levels need a stack of more than 8 MB.
+    // Result. The document may be exported at any time, as often as wanted, with elements still open; it
+    // stays as it is. A CDATA section with "]]>" is written as several, divided between "]]" and ">". Xerces'
+    // serializer calls itself for each level: more than 50,000 levels need a stack of more than 8 MB.
 
     /// The document as text.
-    /// @throws xercesc_3_0::DOMLSException when the document holds text that XML cannot hold
+    /// @throws xercesc_3_0::DOMLSException when the document holds what XML cannot hold: characters outside
+    /// XML, a comment with "--" or with "-" at its end, an instruction with "?>" or with the target "xml"
     virtual Nuv::UniString Export();
 
     /// Writes the document to `channel` as UTF-8, in one call. Errors of the channel are for its owner to
@@ -212,7 +214,7 @@ class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
     bool IsRootClosed() const;
     xercesc_3_0::DOMElement* CreateElement(const char* name);
     xercesc_3_0::DOMText* CreateText(const XMLCh* text);
-    xercesc_3_0::DOMCDATASection* CreateCDATASection(const std::u16string& text);
+    xercesc_3_0::DOMCDATASection* CreateCDATASection(const XMLCh* text);
     void AppendToOpenElement(xercesc_3_0::DOMNode* node);
     void WriteFile();
 

@@ -43,6 +43,31 @@ Nuv::UniString TextWith(const char16_t* before, const char* name, const char16_t
     return text;
 }
 
+bool IsCDATASection(const DOMNode* node)
+{
+    return node && node->getNodeType() == DOMNode::CDATA_SECTION_NODE;
+}
+
+/// Whether the text of the node goes on in the next one: "]]>" had to be divided between CDATA sections.
+bool IsDividedBehind(const DOMNode& node)
+{
+    const DOMNode* next = node.getNextSibling();
+    return IsCDATASection(&node) && IsCDATASection(next) &&
+           std::u16string_view(node.getNodeValue()).ends_with(u"]]") && *next->getNodeValue() == u'>';
+}
+
+/// The value of the node, and of those behind it in which its text goes on.
+Nuv::UniString TextFrom(const DOMNode& first)
+{
+    Nuv::UniString text(first.getNodeValue());
+    for (const DOMNode* node = &first; IsDividedBehind(*node);)
+    {
+        node = node->getNextSibling();
+        text += node->getNodeValue();
+    }
+    return text;
+}
+
 /// Exactly `size` bytes: the text, then zeros.
 void FillBuffer(const Nuv::UniString& text, char* buffer, unsigned int size)
 {
@@ -276,7 +301,7 @@ int DOMReader::ReadXML(const char* name, Nuv::UniString& value)
     try
     {
         const DOMNode* child = ActualNode()->getFirstChild();
-        text = child ? child->getNodeValue() : nullptr;
+        text = child ? TextFrom(*child) : Nuv::UniString();
     }
     catch (const xercesc_3_0::DOMException&)
     {
@@ -342,13 +367,13 @@ int DOMReader::ReadXMLCDATAString(Nuv::UniString& value)
     if (!actualNode || errorStatus != NoError)
         return Nuv::Failure;
     const DOMNode* child = ActualNode()->getFirstChild();
-    while (child && child->getNodeType() != DOMNode::CDATA_SECTION_NODE)
+    while (child && !IsCDATASection(child))
         child = child->getNextSibling();
     if (!child)
         return Nuv::Failure;
     try
     {
-        value = child->getNodeValue();
+        value = TextFrom(*child);
         return Nuv::Success;
     }
     catch (const xercesc_3_0::DOMException&)

@@ -110,8 +110,9 @@ class NUVXMLUTILS_API DOMReader : public Nuv::XMLIChannel
     int ReadToken(unsigned int mask) override;
 
     // Elements: finds the element as ReadStartElement does, takes its text (the value of its first child node
-    // as it stands) and goes to its end. Messages: "Start element for <name> tag not found"; of numbers,
-    // "Value should be number, but is not. In tag: <name>". Numbers are those of Nuv::strtovalue.
+    // as it stands; a CDATA section is joined as ReadXMLCDATAString does) and goes to its end. Messages:
+    // "Start element for <name> tag not found"; of numbers, "Value should be number, but is not. In tag:
+    // <name>". Numbers are those of Nuv::strtovalue.
 
     /// The status is that of Nuv::Guid::ConvertFromString.
     int ReadXML(const char* name, Nuv::Guid& value) override;
@@ -145,7 +146,9 @@ class NUVXMLUTILS_API DOMReader : public Nuv::XMLIChannel
 
     // CDATA sections.
 
-    /// The text of the first CDATA section in the actual node. Does not move, leaves no message.
+    /// The text of the first CDATA section in the actual node. Does not move, leaves no message. Sections
+    /// that touch are one text where the first ends with "]]" and the next begins with ">", and only there:
+    /// so a text with "]]>" is divided.
     int ReadXMLCDATAString(Nuv::UniString& value) override;
     using Nuv::XMLIChannel::ReadXMLCDATAString;
 

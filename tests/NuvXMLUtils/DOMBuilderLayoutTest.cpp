@@ -319,11 +319,14 @@ TEST(DOMBuilder, MakesACDATASection)
     EXPECT_EQ(TextOf(builder), "<r><![CDATA[<a>&]]]]><![CDATA[]]></r>");
 }
 
-TEST(DOMBuilder, DividesTextThatHoldsTheEndOfACDATASection)
+TEST(DOMBuilder, MakesOneCDATASectionOfTextThatHoldsItsEndAndExportsItDivided)
 {
     DOMBuilder builder;
     builder.WriteStartElement("r");
     EXPECT_EQ(builder.WriteXMLCDATAString(UniString(u"]]>a]]>]]>")), 0);
+    const DOMNode* section = builder.GetActualNode()->getLastChild();
+    EXPECT_EQ(section->getNodeType(), DOMNode::CDATA_SECTION_NODE);
+    EXPECT_EQ(UniString(section->getNodeValue()), UniString(u"]]>a]]>]]>"));
     builder.WriteEndElement();
     EXPECT_EQ(TextOf(builder), "\n<r>\n\t<![CDATA[]]]]><![CDATA[>a]]]]><![CDATA[>]]]]><![CDATA[>]]>\n</r>");
 }

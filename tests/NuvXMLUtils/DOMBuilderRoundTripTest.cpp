@@ -12,6 +12,7 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <string_view>
 
 namespace
 {
@@ -186,6 +187,14 @@ std::u16string AsParsed(const XMLCh* cdata)
     return std::u16string(text.View());
 }
 
+/// Whether the section goes on with the text of the one before it, which was divided in "]]>".
+bool GoesOnWithTheLast(const DOMNode& section)
+{
+    const DOMNode* const last = section.getPreviousSibling();
+    return last && last->getNodeType() == DOMNode::CDATA_SECTION_NODE &&
+           std::u16string_view(last->getNodeValue()).ends_with(u"]]") && *section.getNodeValue() == u'>';
+}
+
 /// Everything that a tree holds, in document order, as one text in which no two trees look alike. Text nodes
 /// that touch are one text, and empty ones none; white space around the root element is left out, as parsers
 /// leave it out.
@@ -203,8 +212,9 @@ void Describe(const DOMNode& parent, std::u16string& out)
         if (isText)
             out += node->getNodeValue();
         else if (node->getNodeType() == DOMNode::CDATA_SECTION_NODE)
-            out += u"\x01"
-                   u"cdata " +
+            out += (GoesOnWithTheLast(*node) ? u""
+                                             : u"\x01"
+                                               u"cdata ") +
                    AsParsed(node->getNodeValue());
         else
         {

@@ -6,7 +6,9 @@
 #include <xercesc/dom/impl/DOMTextImpl.hpp>
 
 #include <memory>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace
 {
@@ -24,6 +26,28 @@ TEST(DOMReaderCDATA, IsTheFirstSectionInTheActualNode)
     EXPECT_EQ(reader.ReadXMLCDATAString(value), 0);
     EXPECT_EQ(value, UniString(u" <first> "));
     EXPECT_EQ(PlaceOf(reader), "<r");
+}
+
+TEST(DOMReaderCDATA, IsJoinedWhereItsEndHadToBeDividedAndOnlyThere)
+{
+    for (const auto& [sections, expected] : {std::pair("<![CDATA[a]]]]><![CDATA[>b]]>", u"a]]>b"),
+                                             {"<![CDATA[]]]]><![CDATA[>]]]]><![CDATA[>]]>", u"]]>]]>"},
+                                             {"<![CDATA[a]]]]><![CDATA[b]]>", u"a]]"},
+                                             {"<![CDATA[a]]]><![CDATA[>b]]>", u"a]"},
+                                             {"<![CDATA[a]]><![CDATA[b]]>", u"a"},
+                                             {"<![CDATA[a]]]]><![CDATA[]]><![CDATA[>b]]>", u"a]]"},
+                                             {"<![CDATA[a]]]]> <![CDATA[>b]]>", u"a]]"},
+                                             {"<![CDATA[a]]]]><!----><![CDATA[>b]]>", u"a]]"},
+                                             {"<![CDATA[a]]]]>><![CDATA[>b]]>", u"a]]"}})
+    {
+        TextReader reader("<r><v>" + std::string(sections) + "</v></r>");
+        UniString value;
+        EXPECT_EQ(reader.ReadXML("v", value), 0);
+        EXPECT_EQ(value, UniString(expected)) << sections;
+        reader.ReadStartElement("v");
+        EXPECT_EQ(reader.ReadXMLCDATAString(value), 0);
+        EXPECT_EQ(value, UniString(expected)) << sections;
+    }
 }
 
 TEST(DOMReaderCDATA, FailsWithoutAMessageWhereThereIsNone)

@@ -159,7 +159,7 @@ void SweepExport(Export exportDocument)
     NuvXML::DOMBuilder builder;
     builder.WriteStartElement("Wall");
     builder.WriteXMLAttr("Name", UniString(u"north"));
-    builder.WriteXMLCDATAString(UniString(u"text"));
+    builder.WriteXMLCDATAString(UniString(u"some text that holds ]]> and so is divided"));
     builder.WriteXML("Text", UniString(LongText(5'000)));
     SweepBeside(Bare([&] { BareExport(*builder.GetDOMDocument()); }),
                 [&] { ExpectOutOfMemoryOnly([&] { exportDocument(builder); }); });

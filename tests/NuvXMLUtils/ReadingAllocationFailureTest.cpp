@@ -187,6 +187,14 @@ TEST(AllocationFailure, OfAValueLeavesTheValueAsItWas)
     SweepKeeping(old, [&](UniString& value) { reader->ReadXML("Name", value); });
 }
 
+TEST(AllocationFailure, OfADividedCDATASectionLeavesTheValueAsItWas)
+{
+    constexpr std::string_view text =
+        "<r><![CDATA[some text]]]]><![CDATA[>some more text]]]]><![CDATA[>]]></r>";
+    const Channel reader(NuvXML::CreateXMLIChannelFromMemory(Data(text), Size(text), true));
+    SweepKeeping(UniString(u"old"), [&](UniString& value) { reader->ReadXMLCDATAString(value); });
+}
+
 TEST(AllocationFailure, OfAnInputGuardDeletesTheChannelAllTheSame)
 {
     Sweep(

@@ -2,9 +2,13 @@
 
 #include "NuvRoot/ValueText.hpp"
 #include "NuvXMLUtils/NuvXMLInterface.hpp"
+#include "NuvXMLUtils/Xerces.hpp"
 #include "tests/support/ScratchFolder.hpp"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <xercesc/dom/DOMLSException.hpp>
 
 #include <algorithm>
 #include <cstring>
@@ -226,9 +230,7 @@ Object AnyObject(Generator& generator, int depth)
     object.version.minorNumber = generator.Integer<unsigned char>();
     object.attributes = AnyValues(generator);
     object.elements = AnyValues(generator);
-    do
-        object.cdata = generator.Text();
-    while (object.cdata.View().find(u"]]>") != std::u16string_view::npos);
+    object.cdata = generator.Text();
     for (size_t count = depth > 0 ? generator.Below(4) : 0; count > 0; --count)
         object.parts.push_back(AnyObject(generator, depth - 1));
     return object;
@@ -419,6 +421,56 @@ TEST(RoundTripOfEveryCharacter, GivesTheSameTextInElementsAttributesAndCDATA)
         EXPECT_TRUE(attribute == text);
         EXPECT_TRUE(cdata == WithLineFeeds(text));
     }
+}
+
+/// A text of markup above all, and now and then of what XML cannot hold.
+UniString AnyUnits(Generator& generator)
+{
+    static constexpr std::u16string_view Pieces[] = {
+        u"]", u"]]>", u">", u"<", u"&", u"-", u"?", u"\n", u" ", u"a", u"\u00E4", u"\u0085", u"\U0001F600"};
+    static constexpr std::u16string_view Forbidden[] = {u"\x01", u"\xD83D", u"\xDE00", u"\uFFFE"};
+    UniString text;
+    for (size_t length = generator.Below(20); length > 0; --length)
+        text += generator.Below(30) == 0 ? Forbidden[generator.Below(std::size(Forbidden))]
+                                         : Pieces[generator.Below(std::size(Pieces))];
+    return text;
+}
+
+/// UTF-8 has no half of a surrogate pair.
+bool IsXMLText(const UniString& text)
+{
+    return UniString::FromUTF8(text.ToUTF8()) == text &&
+           text.View().find_first_of(u"\x01\uFFFE") == std::u16string_view::npos;
+}
+
+TEST(RoundTripOfAnyText, GivesTheSameTextOrThrows)
+{
+    Generator generator(1);
+    int refused = 0;
+    for (int i = 0; i < 10'000; ++i)
+    {
+        const UniString text = AnyUnits(generator);
+        const OutputChannel output(NuvXML::CreateXMLOChannel(true));
+        output->WriteStartElement("r");
+        output->WriteXMLCDATAString(text);
+        output->WriteXML("element", text);
+        output->WriteXMLAttr("attribute", text);
+        if (!IsXMLText(text))
+        {
+            ++refused;
+            EXPECT_THROW(NuvXML::ExportOChannelToUniString(output.get()), xercesc_3_0::DOMLSException);
+            continue;
+        }
+        const InputChannel input(
+            NuvXML::CreateXMLIChannelFromMemory(NuvXML::ExportOChannelToUniString(output.get()), true));
+        UniString read[3];
+        EXPECT_EQ(input->ReadXMLAttr("attribute", read[0]), 0);
+        EXPECT_EQ(input->ReadXMLCDATAString(read[1]), 0);
+        EXPECT_EQ(input->ReadXML("element", read[2]), 0);
+        EXPECT_THAT(read, testing::Each(text));
+    }
+    EXPECT_GT(refused, 1000);
+    EXPECT_LT(refused, 9000);
 }
 
 TEST(RoundTripOfNumbers, WithAPointGivesTheSameNumber)
