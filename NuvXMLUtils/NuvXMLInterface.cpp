@@ -24,24 +24,29 @@ bool xercesInitialized = false;
 
 const XercescInitializer keepXercesUp;
 
-/// What the factories of one direction say and throw.
+/// What the factories of one direction say and throw. Of two kinds of exceptions, FirstKind is told when an
+/// exception is both.
 struct OutputFactory
 {
     using Channel = Nuv::XMLOChannel;
-    using OwnException = DOMBuilderException;
     using ChannelException = XMLOChannelException;
+    using FirstKind = xercesc_3_0::DOMException;
+    using SecondKind = DOMBuilderException;
     static constexpr char NotEnoughMemory[] = "Not enough memory in CreateXMLOChannel";
-    static constexpr char Own[] = "NuvXML DOMBuilderException";
+    static constexpr char First[] = "Xercesc DOMException";
+    static constexpr char Second[] = "NuvXML DOMBuilderException";
     static constexpr char Unknown[] = "Unkonwn Exception in CreateXMLOChannel";
 };
 
 struct InputFactory
 {
     using Channel = Nuv::XMLIChannel;
-    using OwnException = DOMReaderException;
     using ChannelException = XMLIChannelException;
+    using FirstKind = DOMReaderException;
+    using SecondKind = xercesc_3_0::DOMException;
     static constexpr char NotEnoughMemory[] = "Not enough memory in CreateXMLIChannel";
-    static constexpr char Own[] = "NuvXML DOMReaderException";
+    static constexpr char First[] = "NuvXML DOMReaderException";
+    static constexpr char Second[] = "Xercesc DOMException";
     static constexpr char Unknown[] = "Unkonwn Exception in CreateXMLIChannel";
 };
 
@@ -55,13 +60,13 @@ const char* MessageOfFailure()
     {
         throw;
     }
-    catch (const typename Factory::OwnException&)
+    catch (const typename Factory::FirstKind&)
     {
-        return Factory::Own;
+        return Factory::First;
     }
-    catch (const xercesc_3_0::DOMException&)
+    catch (const typename Factory::SecondKind&)
     {
-        return "Xercesc DOMException";
+        return Factory::Second;
     }
     catch (...)
     {

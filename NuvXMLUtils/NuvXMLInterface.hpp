@@ -5,9 +5,10 @@
 /// A channel belongs to the caller, who ends it with DisposeXMLOChannel or DisposeXMLIChannel, with a guard,
 /// or with `delete`. A channel, its guard and the documents below belong to one thread at a time.
 ///
-/// The functions that make a channel turn every failure into null or, when `throwOnError` is true, into an
-/// XMLOChannelException or XMLIChannelException with one of these messages, where "..." is CreateXMLOChannel
-/// or CreateXMLIChannel:
+/// The functions that make a channel turn a failure into null or, when `throwOnError` is true, into an
+/// XMLOChannelException or XMLIChannelException with one of the messages below, where "..." is
+/// CreateXMLOChannel or CreateXMLIChannel. When there is no memory for that exception either, they throw
+/// Nuv::OutOfMemoryException in its place.
 /// - "Not enough memory in ..."
 /// - "NuvXML DOMBuilderException": the document could not be made
 /// - "NuvXML DOMReaderException": the file is missing, the text is not well-formed XML, it is not valid by
@@ -55,6 +56,9 @@ NUVXMLUTILS_API Nuv::XMLOChannel* CreateXMLOChannel(bool throwOnError);
 
 /// A channel that builds a new document and writes it to `location` when it is ended.
 NUVXMLUTILS_API Nuv::XMLOChannel* CreateXMLOChannel(const IO::Location& location, bool throwOnError);
+
+/// Keeps the text of a path from becoming `throwOnError`.
+Nuv::XMLOChannel* CreateXMLOChannel(const void* path) = delete;
 
 /// Deletes the channel; null is ignored.
 NUVXMLUTILS_API void DisposeXMLOChannel(Nuv::XMLOChannel* channel);

@@ -38,6 +38,14 @@ TEST(AllocationFailure, OfAnInputChannelIsReportedAsNotEnoughMemory)
                 });
 }
 
+TEST(AllocationFailure, OfAnInputChannelThrowsTheApplicationsExceptionWithoutMemoryForItsOwn)
+{
+    FailAt(1, Mode::FromThere);
+    EXPECT_THROW(NuvXML::CreateXMLIChannelFromMemory(Data(DocumentText), Size(DocumentText), true),
+                 Nuv::OutOfMemoryException);
+    Disarm();
+}
+
 TEST(AllocationFailure, OfAnInputChannelIsNullUnlessItIsToThrow)
 {
     SweepBeside(Bare(BareParseOfMemory),

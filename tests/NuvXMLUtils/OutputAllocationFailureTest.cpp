@@ -28,6 +28,13 @@ TEST(AllocationFailure, OfAnOutputChannelIsReportedAsNotEnoughMemory)
                 [] { ExpectOutputMessage([] { return NuvXML::CreateXMLOChannel(true); }); });
 }
 
+TEST(AllocationFailure, OfAnOutputChannelThrowsTheApplicationsExceptionWithoutMemoryForItsOwn)
+{
+    FailAt(1, Mode::FromThere);
+    EXPECT_THROW(NuvXML::CreateXMLOChannel(true), Nuv::OutOfMemoryException);
+    Disarm();
+}
+
 TEST(AllocationFailure, OfAnOutputChannelIsNullUnlessItIsToThrow)
 {
     SweepBeside(Bare([] { BareDocument(); }),

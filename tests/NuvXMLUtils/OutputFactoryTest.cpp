@@ -142,11 +142,35 @@ void ExpectFailureToMakeAChannel(const UniString& message)
     }
 }
 
+/// What keeps a document from being made, of both kinds that the factory tells apart.
+struct ExceptionOfBothKinds : xercesc_3_0::DOMException, DOMBuilderException
+{
+};
+
 TEST(CreateXMLOChannel, TellsWhatKindOfExceptionKeptItFromMakingADocument)
 {
+    ExpectFailureToMakeAChannel<DOMBuilderException>(u"NuvXML DOMBuilderException");
+    ExpectFailureToMakeAChannel<ExceptionOfBothKinds>(u"Xercesc DOMException");
     ExpectFailureToMakeAChannel<xercesc_3_0::DOMException>(u"Xercesc DOMException");
     ExpectFailureToMakeAChannel<std::exception>(u"Unkonwn Exception in CreateXMLOChannel");
     ExpectFailureToMakeAChannel<std::bad_alloc>(u"Not enough memory in CreateXMLOChannel");
+}
+
+template <class... Arguments>
+constexpr bool MakesAChannel = requires(Arguments... arguments)
+{
+    CreateXMLOChannel(arguments...);
+};
+
+TEST(CreateXMLOChannel, TakesNoPointerForABool)
+{
+    EXPECT_TRUE(MakesAChannel<bool>);
+    EXPECT_TRUE((MakesAChannel<IO::Location, bool>));
+    EXPECT_FALSE(MakesAChannel<const char*>);
+    EXPECT_FALSE(MakesAChannel<const char16_t*>);
+    EXPECT_FALSE(MakesAChannel<const IO::Location*>);
+    EXPECT_FALSE(MakesAChannel<UniString>);
+    EXPECT_FALSE((MakesAChannel<const char*, bool>));
 }
 
 TEST(DisposeXMLOChannel, DeletesTheChannelThroughItsVirtualDestructor)
