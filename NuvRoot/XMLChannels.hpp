@@ -2,8 +2,11 @@
 /// The channels through which objects write themselves to XML and read themselves back, whatever library
 /// stands behind them. All names and 8-bit texts are in the local code page.
 ///
-/// Writing and reading mirror each other: what WriteXML writes, ReadXML reads, and so on. Every operation
-/// that returns `int` returns Success (0) or Failure (-7003), unless it says otherwise.
+/// What WriteXML writes, ReadXML reads back, and so on for CDATA sections, versions and attributes. Text
+/// nodes can only be written. Floating-point numbers can only be read: an object writes the text of one. By
+/// default a carriage return comes back as a line feed, except from an attribute.
+///
+/// Every operation that returns `int` returns Success (0) or Failure (-7003), unless it says otherwise.
 #pragma once
 
 #include "NuvRoot/ClassVersion.hpp"
@@ -198,9 +201,12 @@ class NUVROOT_API XMLIChannel
     virtual XMLTokenType GetTokenTypeName(UniString& name) = 0;
     virtual XMLTokenType GetNextTokenTypeName(UniString& name) = 0;
 
-    // Structure. A null name stands for any element.
+    // Structure.
 
+    /// A null name stands for any element.
     virtual int ReadStartElement(const char* name) = 0;
+
+    /// Fails for a null name.
     virtual int ReadEndElement(const char* name) = 0;
 
     /// Moves on to the next token whose bit is set in `mask`, or by one token when `mask` is 0.

@@ -36,8 +36,9 @@ class NUVXMLUTILS_API DOMReaderException : public Nuv::RunTimeErrorException
 /// whose text has the wrong form has been passed over. Values are untouched on failure. Where the description
 /// says so a failure leaves a message.
 ///
-/// A reader without an actual node, as Create makes it, fails in every operation, and its error status
-/// becomes NothingToRead; a reader with that error status fails until ClearErrorStatus.
+/// A reader without an actual node, as Create makes it, fails in every operation that reads. Its error status
+/// then becomes NothingToRead, except in ReadStartElement, ReadXMLVersionAttr and the operations for CDATA
+/// sections, which keep it. A reader with that error status fails until ClearErrorStatus.
 ///
 /// A reader is used by one thread at a time. Nesting is limited by memory only.
 class NUVXMLUTILS_API DOMReader : public Nuv::XMLIChannel

@@ -114,6 +114,9 @@ TEST(DOMReaderCDATA, LeavesTheErrorStatusOfAReaderWithoutANode)
     const std::unique_ptr<DOMReader> reader(maker.Create(UniString(), UniString()));
     UniString value(u"untouched");
     EXPECT_EQ(reader->ReadXMLCDATAString(value), Failed);
+    char buffer[8];
+    EXPECT_EQ(reader->ReadXMLCDATAString(buffer, sizeof buffer), Failed);
+    EXPECT_EQ(reader->ReadXMLCDATAHexToBin(buffer, sizeof buffer), Failed);
     EXPECT_EQ(reader->GetErrorStatus(), XMLIChannel::NoError);
     EXPECT_EQ(value, UniString(u"untouched"));
 }
