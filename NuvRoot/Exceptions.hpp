@@ -63,6 +63,8 @@ class NUVROOT_API NuvException
     int id = 0;
 };
 
+/// NuvException is a virtual base, which the class of an exception initialises itself: a class derived from
+/// this one that does not has an empty message.
 class NUVROOT_API GeneralException : public virtual NuvException
 {
   public:

@@ -122,6 +122,26 @@ TYPED_TEST(Exceptions, SurviveAssignmentOfThemselves)
     EXPECT_EQ(exception.GetStack(), stack);
 }
 
+TEST(ExceptionOfACaller, HasTheMessageThatItGivesToTheVirtualBaseItself)
+{
+    struct GivesIt : RunTimeErrorException
+    {
+        explicit GivesIt(const UniString& text)
+            : NuvException(text)
+        {
+        }
+    };
+    struct LeavesItToItsBase : RunTimeErrorException
+    {
+        explicit LeavesItToItsBase(const UniString& text)
+            : RunTimeErrorException(text)
+        {
+        }
+    };
+    EXPECT_EQ(GivesIt(u"The message.").GetMessage(), u"The message.");
+    EXPECT_EQ(LeavesItToItsBase(u"The message.").GetMessage(), u"");
+}
+
 TYPED_TEST(Exceptions, AreCaughtAsTheirBase)
 {
     const auto raise = [] { throw TypeParam(u"The message."); };
