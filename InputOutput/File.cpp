@@ -36,6 +36,17 @@ bool IsFolder(int descriptor)
 }
 
 constexpr mode_t ReadableAndWritable = 0666;
+constexpr mode_t ByTheOwnerOnly = 0600;
+
+/// Only a superuser can give a file to another owner; others have a choice of groups. A file system without
+/// permissions keeps the file as it was made.
+void TakePermissions(int descriptor, const struct stat& old)
+{
+    const bool hasGroup = fchown(descriptor, old.st_uid, old.st_gid) == 0 ||
+                          fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) == 0;
+    const mode_t ofGroup = hasGroup ? old.st_mode & S_IRWXG : (old.st_mode & S_IRWXO) << 3;
+    fchmod(descriptor, (old.st_mode & (S_IRWXU | S_IRWXO)) | ofGroup);
+}
 
 } // namespace
 
@@ -71,6 +82,37 @@ int File::Open(OpenMode mode, AccessDeniedTreatment)
     return NoError;
 }
 
+int File::OpenNew(const Location& replaced)
+{
+    struct stat old;
+    const bool replacesFile = lstat(replaced.ToNativePath().c_str(), &old) == 0 && S_ISREG(old.st_mode);
+    if (descriptor >= 0)
+        Close();
+    descriptor = Uninterrupted(
+        [&]
+        {
+            return open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                        replacesFile ? ByTheOwnerOnly : ReadableAndWritable);
+        });
+    if (descriptor < 0)
+    {
+        const int systemError = errno;
+        if (systemError != EEXIST)
+            unlink(path.c_str()); // a file system may have made what it could not open
+        return CodeOfSystemError(systemError);
+    }
+    if (replacesFile)
+        TakePermissions(descriptor, old);
+    return NoError;
+}
+
+int File::Flush()
+{
+    if (descriptor < 0)
+        return NotOpen;
+    return Uninterrupted([&] { return fsync(descriptor); }) == 0 ? NoError : CodeOfLastError();
+}
+
 int File::Close()
 {
     if (descriptor < 0)
@@ -78,6 +120,12 @@ int File::Close()
     const int result = close(descriptor);
     descriptor = -1;
     return result == 0 ? NoError : CodeOfLastError();
+}
+
+int File::Delete()
+{
+    Close();
+    return unlink(path.c_str()) == 0 ? NoError : CodeOfLastError();
 }
 
 int File::Write(const void* bytes, size_t count)

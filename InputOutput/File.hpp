@@ -48,8 +48,23 @@ class INPUTOUTPUT_API File : public Nuv::OChannel, public Nuv::IChannel
     /// Opens the file; folders are refused. An open file is closed first.
     int Open(OpenMode mode, AccessDeniedTreatment treatment);
 
+    /// Makes the file and opens it for writing, to put it in the place of the one at `replaced` later (see
+    /// FileSystem::Replace). Fails when anything has its name.
+    ///
+    /// Its permissions are those of the file at `replaced`, from the beginning, so that nobody reads a part
+    /// of it who may not read that file. Owner and group are the same where the system allows it. With
+    /// another group, the group may do what everybody may. When there is no file at `replaced`, or a link,
+    /// they are those of any new file.
+    int OpenNew(const Location& replaced);
+
+    /// Returns when what was written is on the device.
+    int Flush();
+
     /// NotOpen when the file is not open.
     int Close();
+
+    /// Closes the file, if it is open, and deletes it. Needs no memory.
+    int Delete();
 
     /// Writes all bytes; what a failing write had written before it failed stays in the file.
     int Write(const void* bytes, size_t count) override;

@@ -31,6 +31,12 @@ class INPUTOUTPUT_API FileSystem
 
     /// Deletes a file; IsAFolder for a folder.
     static int Delete(const Location& location, DataSafety safety, AccessDeniedTreatment treatment);
+
+    /// Puts the file `from` in the place of the file or link `to`, which need not exist, in one step: whoever
+    /// opens `to` meanwhile, or after a crash, finds the old file or the new one. Both must be on
+    /// the same device. IsAFolder when either is a folder. On failure, also by an exception, nothing has
+    /// changed.
+    static int Replace(const Location& from, const Location& to);
 };
 
 } // namespace IO

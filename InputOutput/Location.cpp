@@ -118,4 +118,17 @@ bool Location::GetLastLocalName(Name& name) const
     return true;
 }
 
+bool Location::GetFolder(Location& folder) const
+{
+    const std::u16string_view names = WithoutTrailingSlashes(path.View());
+    if (names.empty())
+        return false;
+    const size_t slash = names.rfind(u'/');
+    std::u16string_view upper = u".";
+    if (slash != names.npos)
+        upper = WithoutTrailingSlashes(names.substr(0, slash));
+    folder.path = Nuv::UniString(upper.empty() ? u"/" : upper);
+    return true;
+}
+
 } // namespace IO

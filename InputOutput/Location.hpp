@@ -50,6 +50,10 @@ class INPUTOUTPUT_API Location
     /// The last name of the path; false, with `name` untouched, when there is none.
     bool GetLastLocalName(Name& name) const;
 
+    /// Where the last name is: `.` for a name alone. False, with `folder` untouched, when there is no last
+    /// name.
+    bool GetFolder(Location& folder) const;
+
     friend bool operator==(const Location& left, const Location& right) { return left.path == right.path; }
 
   private:

@@ -78,6 +78,12 @@ TEST(AllocationFailure, OfTheLastNameLeavesTheNameAsItWas)
     SweepKeeping(LongName, [](Name& name) { LongLocation.GetLastLocalName(name); });
 }
 
+TEST(AllocationFailure, OfTheFolderLeavesTheLocationAsItWas)
+{
+    SweepKeeping(LongLocation,
+                 [](Location& folder) { Location(LongLocation.ToPath() + u"/b").GetFolder(folder); });
+}
+
 TEST(AllocationFailure, OfARelativeLocationLeavesNothingBehind)
 {
     const RelativeLocation down = TwoNames();
@@ -152,6 +158,59 @@ TEST(AllocationFailure, OfDeletingLeavesTheFileAlone)
                 });
             const Pause pause;
             EXPECT_EQ(folder.Has("a file with a long name"), !isDeleted);
+        });
+}
+
+TEST(AllocationFailure, OfReplacingLeavesBothFiles)
+{
+    const NuvTest::ScratchFolder folder;
+    const Location from(folder.PathOf("a new file with a long name"));
+    const Location to(folder.PathOf("an old file with a long name"));
+    SweepResult(
+        [&]
+        {
+            {
+                const Pause pause;
+                folder.Write("a new file with a long name", "new");
+                folder.Write("an old file with a long name", "old");
+            }
+            bool isReplaced = false;
+            ExpectOutOfMemoryOnly(
+                [&]
+                {
+                    EXPECT_EQ(FileSystem::Replace(from, to), NoError);
+                    isReplaced = true;
+                });
+            const Pause pause;
+            EXPECT_EQ(folder.Has("a new file with a long name"), !isReplaced);
+            EXPECT_EQ(folder.Read("an old file with a long name"), isReplaced ? "new" : "old");
+        });
+}
+
+TEST(AllocationFailure, OfANewFileMakesNone)
+{
+    const NuvTest::ScratchFolder folder;
+    const Location location(folder.PathOf("a new file with a long name"));
+    const Location replaced(folder.PathOf("an old file with a long name"));
+    SweepResult(
+        [&]
+        {
+            std::unique_ptr<File> file;
+            {
+                const Pause pause;
+                file = std::make_unique<File>(location, CreateWhenNotFound);
+            }
+            bool isMade = false;
+            ExpectOutOfMemoryOnly(
+                [&]
+                {
+                    EXPECT_EQ(file->OpenNew(replaced), NoError);
+                    isMade = true;
+                });
+            EXPECT_EQ(file->Delete(), isMade ? NoError : NotFound) << "which needs no memory";
+            const Pause pause;
+            EXPECT_FALSE(folder.Has("a new file with a long name"));
+            file.reset();
         });
 }
 

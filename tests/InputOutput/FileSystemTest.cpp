@@ -1,5 +1,6 @@
 #include "InputOutput/FileSystem.hpp"
 
+#include "tests/support/CurrentFolderScope.hpp"
 #include "tests/support/EnvironmentScope.hpp"
 #include "tests/support/ScratchFolder.hpp"
 #include "tests/support/WithoutPrivileges.hpp"
@@ -12,6 +13,7 @@ namespace
 {
 
 using namespace IO;
+using NuvTest::CurrentFolderScope;
 using NuvTest::EnvironmentScope;
 using NuvTest::ScratchFolder;
 
@@ -108,6 +110,84 @@ TEST(FileSystem, DeletesNothingFromAReadOnlyFolder)
     }
     std::filesystem::permissions(scratch.Path(), std::filesystem::perms(0755));
     EXPECT_EQ(scratch.Read("file"), "kept");
+}
+
+TEST(FileSystem, ReplacesAFileOrALinkOrNothing)
+{
+    const ScratchFolder scratch;
+    scratch.Write("target", "kept");
+    scratch.Write("old", "old");
+    std::filesystem::create_symlink("target", scratch.Path() / "link");
+    for (const char* to : {"missing", "old", "link"})
+    {
+        EXPECT_EQ(FileSystem::Replace(Location(scratch.Write("new", to)), Location(scratch.PathOf(to))),
+                  NoError);
+        EXPECT_FALSE(scratch.Has("new"));
+        EXPECT_FALSE(std::filesystem::is_symlink(scratch.Path() / to));
+        EXPECT_EQ(scratch.Read(to), to);
+    }
+    EXPECT_EQ(scratch.Read("target"), "kept");
+}
+
+TEST(FileSystem, ReplacesAFileInTheCurrentFolderAndBetweenFolders)
+{
+    const ScratchFolder scratch;
+    const CurrentFolderScope current(scratch.Path());
+    scratch.Write("new", "new");
+    scratch.Write("old", "old");
+    std::filesystem::create_directory(scratch.Path() / "folder");
+    EXPECT_EQ(FileSystem::Replace(Location(u"new"), Location(u"folder/new")), NoError);
+    EXPECT_EQ(FileSystem::Replace(Location(u"folder/new"), Location(u"old")), NoError);
+    EXPECT_EQ(scratch.Read("old"), "new");
+}
+
+TEST(FileSystem, ReplacesNothingByAFolderAndNoFolder)
+{
+    const ScratchFolder scratch;
+    const Location file(scratch.Write("file", "kept"));
+    for (const char* name : {"folder", "other"})
+        std::filesystem::create_directory(scratch.Path() / name);
+    const Location folder(scratch.PathOf("folder"));
+    EXPECT_EQ(FileSystem::Replace(file, folder), IsAFolder);
+    EXPECT_EQ(FileSystem::Replace(folder, file), IsAFolder);
+    EXPECT_EQ(FileSystem::Replace(folder, Location(scratch.PathOf("other"))), IsAFolder);
+    EXPECT_EQ(scratch.Read("file"), "kept");
+    EXPECT_TRUE(scratch.Has("folder"));
+}
+
+TEST(FileSystem, TellsThatItCannotReplaceAndChangesNothing)
+{
+    const ScratchFolder scratch;
+    const Location from(scratch.Write("new", "new"));
+    const Location to(scratch.Write("old", "old"));
+    EXPECT_EQ(FileSystem::Replace(Location(scratch.PathOf("missing")), to), NotFound);
+    EXPECT_EQ(FileSystem::Replace(Location(), to), NotFound);
+    EXPECT_EQ(FileSystem::Replace(from, Location()), NotFound);
+    EXPECT_EQ(FileSystem::Replace(from, Location(scratch.PathOf("missing/old"))), NotFound);
+    EXPECT_EQ(FileSystem::Replace(from, Location(scratch.PathOf("old/"))), NotFound) << "no folder";
+    EXPECT_EQ(FileSystem::Replace(from, Location(u"/proc/file")), OtherError) << "another device";
+    std::filesystem::permissions(scratch.Path(), std::filesystem::perms(0555));
+    {
+        const NuvTest::WithoutPrivileges scope;
+        EXPECT_EQ(FileSystem::Replace(from, to), AccessDenied);
+    }
+    std::filesystem::permissions(scratch.Path(), std::filesystem::perms(0755));
+    EXPECT_EQ(scratch.Read("new"), "new");
+    EXPECT_EQ(scratch.Read("old"), "old");
+}
+
+TEST(FileSystem, ReplacesAFileInAFolderThatCannotBeRead)
+{
+    const ScratchFolder scratch;
+    const Location from(scratch.Write("new", "new"));
+    const Location to(scratch.Write("old", "old"));
+    std::filesystem::permissions(scratch.Path(), std::filesystem::perms(0333));
+    {
+        const NuvTest::WithoutPrivileges scope;
+        EXPECT_EQ(FileSystem::Replace(from, to), NoError);
+    }
+    std::filesystem::permissions(scratch.Path(), std::filesystem::perms(0755));
+    EXPECT_EQ(scratch.Read("old"), "new");
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <random>
 #include <string_view>
+#include <utility>
 
 namespace
 {
@@ -261,6 +262,32 @@ TEST(Location, TellsNoLastNameWhenThereIsNone)
     for (const char16_t* path : {u"", u"/", u"//"})
         EXPECT_FALSE(Location(path).GetLastLocalName(name));
     EXPECT_EQ(name.ToUniString(), u"old");
+}
+
+TEST(Location, TellsTheFolderOfItsLastName)
+{
+    const std::pair<const char16_t*, const char16_t*> folders[] = {
+        {u"/a/b c.xml", u"/a"}, {u"a/b", u"a"},     {u"a", u"."},     {u"/a", u"/"},
+        {u"//a", u"/"},         {u"/a//b/", u"/a"}, {u"../a", u".."}, {u"file:///a/%2541/b", u"/a/%41"}};
+    for (const auto& [path, expected] : folders)
+    {
+        Location folder(path);
+        EXPECT_TRUE(folder.GetFolder(folder));
+        EXPECT_EQ(folder.ToPath(), expected) << UniString(path);
+    }
+    Location afterwards;
+    afterwards.AppendToLocal(Name(u"file:a"));
+    afterwards.AppendToLocal(Name(u"b"));
+    EXPECT_TRUE(afterwards.GetFolder(afterwards));
+    EXPECT_EQ(afterwards.ToPath(), u"file:a") << "a name is no URL";
+}
+
+TEST(Location, TellsNoFolderWhenThereIsNoLastName)
+{
+    Location folder(u"/old");
+    for (const char16_t* path : {u"", u"/", u"//"})
+        EXPECT_FALSE(Location(path).GetFolder(folder));
+    EXPECT_EQ(folder.ToPath(), u"/old");
 }
 
 TEST(Location, IsEqualByItsPath)
