@@ -1,11 +1,12 @@
 #include "NuvXMLUtils/NuvXMLDOMBuilder.hpp"
 
-#include "InputOutput/File.hpp"
+#include "InputOutput/ErrorCodes.hpp"
 #include "InputOutput/FileSystem.hpp"
 #include "InputOutput/Folder.hpp"
 #include "NuvRoot/ValueText.hpp"
 #include "NuvXMLUtils/ChannelCursor.hpp"
 #include "NuvXMLUtils/OutOfMemory.hpp"
+#include "NuvXMLUtils/ReplaceFile.hpp"
 
 #include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/dom/DOMLSException.hpp>
@@ -19,6 +20,7 @@
 #include <algorithm>
 #include <iterator>
 #include <limits>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -47,11 +49,6 @@ xercesc_3_0::DOMDocument* CreateDocument()
             return implementation->createDocument(nullptr, nullptr, nullptr,
                                                   xercesc_3_0::XMLPlatformUtils::fgMemoryManager);
         });
-}
-
-void Append(xercesc_3_0::DOMNode* parent, xercesc_3_0::DOMNode* child)
-{
-    WithOwnOutOfMemory([&] { parent->appendChild(child); });
 }
 
 xercesc_3_0::DOMDocument* CreateDocumentOrThrow(const char* message)
@@ -250,7 +247,7 @@ DOMBuilder::~DOMBuilder()
 {
     try
     {
-        if (writeOnDestroy)
+        if (writeOnDestroy && !isSaved && !isDiscarded)
             WriteFile();
     }
     catch (...)
@@ -393,7 +390,16 @@ int DOMBuilder::WriteXMLAttr(const char* name, const Nuv::UniString& value)
 {
     if (!HasOpenElement())
         return Nuv::Failure;
-    WithOwnOutOfMemory([&] { actualNode->setAttribute(NameText(name), value.ToUTF16()); });
+    try
+    {
+        WithOwnOutOfMemory([&] { actualNode->setAttribute(NameText(name), value.ToUTF16()); });
+    }
+    catch (const std::bad_alloc&)
+    {
+        isSaved = false; // there may be an empty attribute
+        throw;
+    }
+    isSaved = false;
     return Nuv::Success;
 }
 
@@ -515,6 +521,12 @@ xercesc_3_0::DOMCDATASection* DOMBuilder::CreateCDATASection(const XMLCh* text)
     return WithOwnOutOfMemory([&] { return document->createCDATASection(text); });
 }
 
+void DOMBuilder::Append(xercesc_3_0::DOMNode* parent, xercesc_3_0::DOMNode* child)
+{
+    WithOwnOutOfMemory([&] { parent->appendChild(child); });
+    isSaved = false;
+}
+
 /// The node begins a new line.
 void DOMBuilder::AppendToOpenElement(xercesc_3_0::DOMNode* node)
 {
@@ -536,21 +548,30 @@ void DOMBuilder::ExportInternal(Sink sink)
         });
 }
 
-/// Serialises before it touches the file, so that a document that cannot be exported costs no data.
-void DOMBuilder::WriteFile()
+/// Serialises before it touches the file system.
+/// @return 0 or a code of ErrorCodes.hpp
+int DOMBuilder::WriteFile()
 {
-    ExportInternal(
-        [this](const char* bytes, size_t length)
-        {
-            IO::File file(location, IO::CreateWhenNotFound);
-            const int deleted = IO::FileSystem::Delete(location, IO::DeleteForGood, IO::ReportAccessDenied);
-            if (deleted != IO::NoError && deleted != IO::NotFound)
-                return;
-            if (file.Open(IO::WriteMode, IO::ReportAccessDenied) != IO::NoError)
-                return;
-            file.Write(bytes, length);
-            file.Close();
-        });
+    int code = IO::NoError;
+    ExportInternal([&](const char* bytes, size_t length)
+                   { code = ReplaceFile(location, std::string_view(bytes, length)); });
+    return code;
 }
+
+/// @return why the document is not saved; empty when it is
+Nuv::UniString DOMBuilder::Save()
+{
+    if (isDiscarded)
+        return u"The document has been discarded.";
+    if (!writeOnDestroy || location.IsEmpty())
+        return u"The channel has no file of its own.";
+    if (const int code = WriteFile(); code != IO::NoError)
+        return Nuv::UniString(u"Writing XML file failed: ") + location.ToLogText() + u": " +
+               TextOfWritingError(code);
+    isSaved = true;
+    return {};
+}
+
+void DOMBuilder::Discard() { isDiscarded = true; }
 
 } // namespace NuvXML

@@ -48,7 +48,7 @@ class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
     enum OwnershipType : int
     {
         LeaveDocumentToCaller = 0,
-        TakeDocumentOver = 1 ///< the builder writes it to its URI and releases it when it is destroyed
+        TakeDocumentOver = 1 ///< the builder writes it to its URI, as to a location, and releases it
     };
 
     /// Builds a new document that belongs to no file. Its location, for messages, is an unused name in the
@@ -56,10 +56,14 @@ class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
     /// @throws DOMBuilderException when Xerces is not running
     DOMBuilder();
 
-    /// Builds a new document and writes it to `location` when the builder is destroyed, replacing the file
-    /// that is there. A failure to write is silent; a document that cannot be exported, and a file that
-    /// cannot be deleted, leave the old file alone. The old file is deleted before the new one is opened: on
-    /// a device that fills up, the beginning of the new one is left. A link is replaced, not followed.
+    /// Builds a new document and writes it to `location` when the builder is destroyed, unless
+    /// SaveXMLOChannel has done so before or DiscardXMLOChannel was called. A failure to write is silent
+    /// then.
+    ///
+    /// The file that is there is replaced in one step, by a new file that is complete and on the device. When
+    /// anything fails, the old file is as it was, and nothing else is left. A process that is killed can
+    /// leave a file beside it whose name begins with "NuvXML_unfinished_". The new file has the permissions
+    /// of the old one. A link is replaced, not followed.
     /// @throws DOMBuilderException "Creating document failed."
     explicit DOMBuilder(const IO::Location& location);
 
@@ -198,6 +202,9 @@ class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
     virtual xercesc_3_0::DOMElement* GetActualNode();
 
   private:
+    friend bool SaveXMLOChannel(Nuv::XMLOChannel* channel, Nuv::UniString* reason);
+    friend void DiscardXMLOChannel(Nuv::XMLOChannel* channel);
+
     virtual void WriteNewLineAndTabs(unsigned int tabs);
 
     struct Message
@@ -215,8 +222,11 @@ class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
     xercesc_3_0::DOMElement* CreateElement(const char* name);
     xercesc_3_0::DOMText* CreateText(const XMLCh* text);
     xercesc_3_0::DOMCDATASection* CreateCDATASection(const XMLCh* text);
+    void Append(xercesc_3_0::DOMNode* parent, xercesc_3_0::DOMNode* child);
     void AppendToOpenElement(xercesc_3_0::DOMNode* node);
-    void WriteFile();
+    int WriteFile();
+    Nuv::UniString Save();
+    void Discard();
 
     IO::Location location;
     xercesc_3_0::DOMDocument* document;
@@ -230,6 +240,8 @@ class NUVXMLUTILS_API DOMBuilder : public Nuv::XMLOChannel
     bool ownsDocument;
     bool writeOnDestroy;
     bool replaceCR = true;
+    bool isSaved = false; ///< the file has the document as it is; set back by whatever the channel adds
+    bool isDiscarded = false;
 };
 
 } // namespace NuvXML

@@ -7,11 +7,14 @@
 #include "NuvXMLUtils/Xerces.hpp"
 
 #include <xercesc/dom/DOMException.hpp>
+#include <xercesc/dom/DOMLSException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
 #include <cstring>
 #include <memory>
+#include <new>
+#include <utility>
 
 namespace NuvXML
 {
@@ -91,6 +94,30 @@ typename Factory::Channel* CreateChannel(Create create, bool throwOnError)
     return nullptr;
 }
 
+/// The reason for the exception that is being handled; empty when there is no memory for it.
+Nuv::UniString ReasonOfSaveFailure()
+try
+{
+    if (IsOutOfMemory())
+        return u"Not enough memory in SaveXMLOChannel";
+    try
+    {
+        throw;
+    }
+    catch (const xercesc_3_0::DOMLSException&)
+    {
+        return u"The document holds what XML cannot hold.";
+    }
+    catch (...)
+    {
+        return u"Unknown exception in SaveXMLOChannel";
+    }
+}
+catch (const std::bad_alloc&)
+{
+    return {};
+}
+
 /// @param makePrefix makes "location (line):  " of the location's text and the line
 template <class Channel, class MakePrefix>
 void HarvestMessages(Channel& channel, Nuv::Array<Nuv::UniString>& messages, MakePrefix makePrefix)
@@ -144,6 +171,33 @@ Nuv::XMLOChannel* CreateXMLOChannel(bool throwOnError)
 Nuv::XMLOChannel* CreateXMLOChannel(const IO::Location& location, bool throwOnError)
 {
     return CreateChannel<OutputFactory>([&] { return new DOMBuilder(location); }, throwOnError);
+}
+
+bool SaveXMLOChannel(Nuv::XMLOChannel* channel, Nuv::UniString* reason)
+{
+    Nuv::UniString failure;
+    try
+    {
+        auto* builder = dynamic_cast<DOMBuilder*>(channel);
+        failure = !channel   ? u"There is no channel."
+                  : !builder ? u"The channel is of another kind."
+                             : builder->Save();
+        if (failure.IsEmpty())
+            return true;
+    }
+    catch (...)
+    {
+        failure = ReasonOfSaveFailure();
+    }
+    if (reason)
+        *reason = std::move(failure);
+    return false;
+}
+
+void DiscardXMLOChannel(Nuv::XMLOChannel* channel)
+{
+    if (auto* builder = dynamic_cast<DOMBuilder*>(channel))
+        builder->Discard();
 }
 
 void DisposeXMLOChannel(Nuv::XMLOChannel* channel) { delete channel; }

@@ -54,11 +54,28 @@ class NUVXMLUTILS_API XMLIChannelException : public XMLIOChannelException
 /// A channel that builds a new document (a DOMBuilder), for ExportOChannelToUniString.
 NUVXMLUTILS_API Nuv::XMLOChannel* CreateXMLOChannel(bool throwOnError);
 
-/// A channel that builds a new document and writes it to `location` when it is ended.
+/// A channel that builds a new document and writes it to `location`: at SaveXMLOChannel, which reports a
+/// failure, or else when it is ended, silently. Either way the old file is there until the new one is
+/// complete.
 NUVXMLUTILS_API Nuv::XMLOChannel* CreateXMLOChannel(const IO::Location& location, bool throwOnError);
 
 /// Keeps the text of a path from becoming `throwOnError`.
 Nuv::XMLOChannel* CreateXMLOChannel(const void* path) = delete;
+
+/// Writes the document of a channel that has a file of its own now, as it is at this moment: the whole file,
+/// on the device, or nothing. After success nothing is written at the end of the channel, unless something
+/// was added through the channel since. What is added to the DOM document directly does not count.
+///
+/// A failure leaves the old file, and the channel as it was: saving can be tried again, and the end of the
+/// channel writes as before. It is a failure when the file cannot be written, when the document holds what
+/// XML cannot hold, after DiscardXMLOChannel, and for channels without a file of their own: null, those that
+/// CreateXMLOChannel made without a location, and those of other kinds.
+/// @param reason receives the reason of a failure; may be null. Empty when there is no memory for it.
+NUVXMLUTILS_API bool SaveXMLOChannel(Nuv::XMLOChannel* channel, Nuv::UniString* reason);
+
+/// Nothing is written at the end of the channel: for an object that is written only in part, because of an
+/// exception. Channels without a file of their own are left alone.
+NUVXMLUTILS_API void DiscardXMLOChannel(Nuv::XMLOChannel* channel);
 
 /// Deletes the channel; null is ignored.
 NUVXMLUTILS_API void DisposeXMLOChannel(Nuv::XMLOChannel* channel);
@@ -70,7 +87,8 @@ NUVXMLUTILS_API Nuv::UniString ExportOChannelToUniString(Nuv::XMLOChannel* chann
 
 /// Ends an output channel at the end of the scope: appends its messages to the caller's list, deletes the
 /// channel and sets the caller's pointer to null. It looks at the pointer then and not before, so the caller
-/// may replace the channel meanwhile. A null pointer is left alone.
+/// may replace the channel meanwhile. A null pointer is left alone. The end of a channel writes its file,
+/// also when an exception ends the scope: see SaveXMLOChannel and DiscardXMLOChannel.
 ///
 /// A message becomes `location (line):  text` and a line feed. Messages for which there is no memory are
 /// lost; nothing is thrown.

@@ -53,6 +53,24 @@ UniString Message(const char16_t* text, Read read)
     return message;
 }
 
+/// The reason why the channel cannot be saved.
+UniString Save(Nuv::XMLOChannel* channel)
+{
+    UniString reason;
+    NuvXML::SaveXMLOChannel(channel, &reason);
+    return reason;
+}
+
+/// The reason why a document with the text cannot be saved.
+UniString Save(const IO::Location& location, const char16_t* text)
+{
+    Nuv::XMLOChannel* channel = NuvXML::CreateXMLOChannel(location, true);
+    const NuvXML::XMLOChannelGuard guard(&channel);
+    channel->WriteStartElement("Wall");
+    channel->WriteXML("Name", UniString(text));
+    return Save(channel);
+}
+
 /// A document, or its root element.
 class Document
 {
@@ -140,6 +158,31 @@ void WriteChannelTexts()
                 {"the same, from the reader's own constructor",
                  [](UniString&) { NuvXML::DOMReader(Bytes("<Wall>"), 6); }},
                 {"the same for a file", [](UniString&) { NuvXML::DOMReader(IO::Location(u"none.xml")); }}});
+    WriteTable(
+        "Saving the file of a channel",
+        "The reason that NuvXML::SaveXMLOChannel gives, beside false. The first one can also end with "
+        "\"access is denied\", \"a folder has its name\", \"the device is full\", or \"the system refuses "
+        "it\". For a channel that is not a DOMBuilder it is \"The channel is of another kind.\"",
+        {{"the file cannot be written",
+          [](UniString& text) { text = Save(IO::Location(u"none/wall.xml"), u"North"); }},
+         {"a text, a comment or an instruction has no form in XML, here U+0001",
+          [](UniString& text) { text = Save(IO::Location(u"wall.xml"), u"\u0001"); }},
+         {"the channel was made without a location",
+          [](UniString& text)
+          {
+              Nuv::XMLOChannel* channel = NuvXML::CreateXMLOChannel(true);
+              const NuvXML::XMLOChannelGuard guard(&channel);
+              text = Save(channel);
+          }},
+         {"NuvXML::DiscardXMLOChannel was called before",
+          [](UniString& text)
+          {
+              Nuv::XMLOChannel* channel = NuvXML::CreateXMLOChannel(IO::Location(u"wall.xml"), true);
+              const NuvXML::XMLOChannelGuard guard(&channel);
+              NuvXML::DiscardXMLOChannel(channel);
+              text = Save(channel);
+          }},
+         {"the pointer to the channel is null", [](UniString& text) { text = Save(nullptr); }}});
     WriteTable("Reading from a channel",
                "Messages of the reader, beside the status -7003. The guard puts the location before them.",
                {{"there is no element of this name where the reader is",

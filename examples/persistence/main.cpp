@@ -133,16 +133,26 @@ Project GenerateProject(size_t elementCount)
     return project;
 }
 
+//! [save]
 Outcome WriteProject(const Project& project, const IO::Location& location)
 {
     Nuv::XMLOChannel* channel = NuvXML::CreateXMLOChannel(location, true);
+    const NuvXML::XMLOChannelGuard guard(&channel);
+    try
     {
-        const NuvXML::XMLOChannelGuard guard(&channel);
         project.Write(*channel);
-    } // ending the channel writes the file
-    const std::uintmax_t size = SizeOf(location);
-    return {size != 0, size, Counted(NumberOfElements(project), "building elements written")};
+    }
+    catch (...)
+    {
+        NuvXML::DiscardXMLOChannel(channel); // else the guard writes the part that is there
+        throw;
+    }
+    UniString reason;
+    if (!NuvXML::SaveXMLOChannel(channel, &reason))
+        return {false, SizeOf(location), reason.ToUTF8()};
+    return {true, SizeOf(location), Counted(NumberOfElements(project), "building elements written")};
 }
+//! [save]
 
 Outcome ReadProject(const IO::Location& location, Project& project)
 {

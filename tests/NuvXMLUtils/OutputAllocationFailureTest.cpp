@@ -9,6 +9,9 @@
 #include <xercesc/dom/DOMLSSerializer.hpp>
 #include <xercesc/framework/MemBufFormatTarget.hpp>
 
+#include <filesystem>
+#include <iterator>
+
 namespace
 {
 
@@ -192,6 +195,11 @@ TEST(AllocationFailure, OfAnExportThroughTheFrontDoorThrowsTheApplicationsExcept
     SweepExport([](NuvXML::DOMBuilder& builder) { NuvXML::ExportOChannelToUniString(&builder); });
 }
 
+void ExpectOneFile(const ScratchFolder& folder)
+{
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
+}
+
 TEST(AllocationFailure, OfWritingTheFileIsSilentAndLeavesTheWholeOldFileOrTheWholeNewOne)
 {
     const ScratchFolder folder;
@@ -214,7 +222,53 @@ TEST(AllocationFailure, OfWritingTheFileIsSilentAndLeavesTheWholeOldFileOrTheWho
                     const Pause pause;
                     EXPECT_THAT(folder.Read("project.xml"),
                                 testing::AnyOf("old", testing::HasSubstr("<Wall/>")));
+                    ExpectOneFile(folder);
                 });
+}
+
+TEST(AllocationFailure, OfSavingTheFileIsToldAndLeavesTheOldFile)
+{
+    const ScratchFolder folder;
+    const IO::Location location(folder.PathOf("project.xml"));
+    NuvXML::DOMBuilder builder(location);
+    builder.SetAutoTabsHint(false);
+    builder.WriteStartElement("Wall");
+    SweepBeside(Bare([&] { BareExport(*builder.GetDOMDocument()); }),
+                [&]
+                {
+                    UniString reason;
+                    {
+                        const Pause pause;
+                        folder.Write("project.xml", "old");
+                    }
+                    const bool isSaved = NuvXML::SaveXMLOChannel(&builder, &reason);
+                    const Pause pause;
+                    EXPECT_THAT(reason, testing::AnyOf(UniString(), u"Not enough memory in SaveXMLOChannel"));
+                    EXPECT_TRUE(reason.IsEmpty() || !isSaved);
+                    EXPECT_THAT(folder.Read("project.xml"), testing::EndsWith(isSaved ? "<Wall/>" : "old"));
+                    ExpectOneFile(folder);
+                    reason = UniString();
+                });
+    NuvXML::DiscardXMLOChannel(&builder);
+}
+
+TEST(AllocationFailure, OfAnAttributeLeavesWhatItAddedToTheEndOfTheChannel)
+{
+    const ScratchFolder folder;
+    auto builder = std::make_unique<NuvXML::DOMBuilder>(IO::Location(folder.PathOf("project.xml")));
+    builder->WriteStartElement("Wall");
+    ASSERT_TRUE(NuvXML::SaveXMLOChannel(builder.get(), nullptr));
+    folder.Write("project.xml", "");
+    int failures = 0;
+    for (int nth = 1; nth <= 5 && !builder->GetActualNode()->hasAttribute(u"a"); ++nth)
+    {
+        FailAt(nth, Mode::Once);
+        ExpectOutOfMemoryOnly([&] { builder->WriteXMLAttr("a", HugeText); });
+        failures += Disarm() ? 1 : 0;
+    }
+    EXPECT_GT(failures, 0);
+    builder.reset();
+    EXPECT_THAT(folder.Read("project.xml"), testing::HasSubstr("<Wall a="));
 }
 
 TEST(AllocationFailure, OfABuilderOverADocumentLeavesTheDocumentToTheCaller)

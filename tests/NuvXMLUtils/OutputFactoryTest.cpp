@@ -156,6 +156,20 @@ TEST(CreateXMLOChannel, TellsWhatKindOfExceptionKeptItFromMakingADocument)
     ExpectFailureToMakeAChannel<std::bad_alloc>(u"Not enough memory in CreateXMLOChannel");
 }
 
+TEST(SaveXMLOChannel, TellsThatAnUnknownExceptionKeptItFromSaving)
+{
+    const NuvTest::ScratchFolder folder;
+    const UniString path = folder.Write("a.xml", "old");
+    const std::unique_ptr<Nuv::XMLOChannel> channel(CreateXMLOChannel(IO::Location(path), true));
+    UniString reason;
+    {
+        const ThrowingMemoryManager<std::exception> manager;
+        EXPECT_FALSE(SaveXMLOChannel(channel.get(), &reason));
+    }
+    EXPECT_EQ(reason, u"Unknown exception in SaveXMLOChannel");
+    EXPECT_EQ(folder.Read("a.xml"), "old");
+}
+
 template <class... Arguments>
 constexpr bool MakesAChannel = requires(Arguments... arguments)
 {

@@ -1,5 +1,4 @@
-// What is on disk when a file cannot be written: the old file, the new one, or the beginning of the new one
-// where the old one had been deleted before the write failed.
+// What is on disk when a file cannot be written: of a channel's file the old one, and nothing beside it.
 
 #include "InputOutput/File.hpp"
 #include "NuvXMLUtils/FormatXMLDoc.hpp"
@@ -72,12 +71,18 @@ class WritingFaults : public testing::Test
         EXPECT_EQ(folder.Read(name), text);
     }
 
+    void ExpectNothingBeside(std::string_view name) const
+    {
+        for (const auto& entry : std::filesystem::directory_iterator(folder.Path()))
+            EXPECT_EQ(entry.path().filename(), name);
+    }
+
     ScratchFolder folder;
 };
 
 // A device that is full.
 
-TEST_F(WritingFaults, LeaveTheBeginningOfTheNewFileOnAFullDevice)
+TEST_F(WritingFaults, LeaveTheOldFileOnAFullDevice)
 {
     for (size_t room = 0; room <= NewText.size() + 1; ++room)
     {
@@ -86,11 +91,12 @@ TEST_F(WritingFaults, LeaveTheBeginningOfTheNewFileOnAFullDevice)
             const FullDeviceScope full(room);
             WriteNewFile(path);
         }
-        ExpectFile("a.xml", NewText.substr(0, room));
+        ExpectFile("a.xml", room < NewText.size() ? "old" : NewText);
+        ExpectNothingBeside("a.xml");
     }
 }
 
-TEST_F(WritingFaults, LeaveTheBeginningOfADocumentThatIsTakenOver)
+TEST_F(WritingFaults, LeaveTheOldFileOfADocumentThatIsTakenOver)
 {
     {
         DOMBuilder builder;
@@ -100,7 +106,8 @@ TEST_F(WritingFaults, LeaveTheBeginningOfADocumentThatIsTakenOver)
         const FullDeviceScope full(10);
         const DOMBuilder owner(copy, nullptr, DOMBuilder::TakeDocumentOver, 0);
     }
-    ExpectFile("a.xml", NewText.substr(0, 10));
+    ExpectFile("a.xml", "old");
+    ExpectNothingBeside("a.xml");
 }
 
 /// Writes through an open file on a device with room for `room` bytes.
@@ -163,7 +170,7 @@ TEST_F(WritingFaults, OfAStreamLeaveTheBeginning)
     }
 }
 
-TEST_F(WritingFaults, LeaveNothingWhenNoFileCanBeOpenedAnyMore)
+TEST_F(WritingFaults, LeaveTheOldFileWhenNoFileCanBeOpenedAnyMore)
 {
     const UniString path = folder.Write("a.xml", "old");
     {
@@ -176,8 +183,8 @@ TEST_F(WritingFaults, LeaveNothingWhenNoFileCanBeOpenedAnyMore)
         const NoMoreFilesScope scope;
         delete builder;
     }
-    // The old file is deleted before the new one is made. valgrind makes it and then says it could not.
-    EXPECT_EQ(folder.Has("a.xml") ? folder.Read("a.xml") : "", "");
+    ExpectFile("a.xml", "old");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 2);
 }
 
 // Permissions.
@@ -193,7 +200,7 @@ TEST_F(WritingFaults, LeaveTheOldFileInAReadOnlyFolder)
         WriteNewFile(folder.PathOf("new.xml"));
     }
     ExpectFile("a.xml", "old");
-    EXPECT_FALSE(folder.Has("new.xml"));
+    ExpectNothingBeside("a.xml");
     SetPermissions("", 0777);
 }
 
@@ -253,11 +260,20 @@ TEST_F(WritingFaults, AreNoneWithAPipeWhichIsReplaced)
     ExpectFile("a.xml", NewText);
 }
 
+TEST_F(WritingFaults, LeaveAFolderAndNothingBesideIt)
+{
+    std::filesystem::create_directory(folder.Path() / "a.xml");
+    WriteNewFile(folder.PathOf("a.xml"));
+    EXPECT_TRUE(std::filesystem::is_empty(folder.Path() / "a.xml"));
+    ExpectNothingBeside("a.xml");
+}
+
 TEST_F(WritingFaults, LeaveAFileThatStandsWhereTheFolderShouldBe)
 {
     folder.Write("file", "kept");
     WriteNewFile(folder.PathOf("file/a.xml"));
     ExpectFile("file", "kept");
+    ExpectNothingBeside("file");
 }
 
 TEST_F(WritingFaults, LeaveNothingUnderANameThatIsTooLong)

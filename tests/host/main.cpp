@@ -1,6 +1,8 @@
-// Writes a value and reads it back; the message of the channel shows whose folder for temporary files is
-// asked for.
+// Writes a value and reads it back, in memory and through a file. The message of the channel shows whose
+// folder for temporary files is asked for, and the file before the last who replaces files.
 
+#include "InputOutput/File.hpp"
+#include "InputOutput/FileSystem.hpp"
 #include "NuvXMLUtils/NuvXMLInterface.hpp"
 
 #include <cstdio>
@@ -28,6 +30,37 @@ int Read(const Nuv::UniString& text)
     return height;
 }
 
+bool Save(const IO::Location& location, int height)
+{
+    Nuv::XMLOChannel* channel = NuvXML::CreateXMLOChannel(location, true);
+    const NuvXML::XMLOChannelGuard guard(&channel);
+    channel->WriteStartElement("Wall");
+    channel->WriteXML("Height", height);
+    channel->WriteEndElement();
+    return NuvXML::SaveXMLOChannel(channel, nullptr);
+}
+
+/// The height in a file, which is deleted.
+int Take(const IO::Location& location)
+{
+    int height = 0;
+    {
+        Nuv::XMLIChannel* channel = NuvXML::CreateXMLIChannel(location, true);
+        const NuvXML::XMLIChannelGuard guard(&channel);
+        channel->ReadXML("Height", height);
+    }
+    IO::FileSystem::Delete(location, IO::DeleteForGood, IO::ReportAccessDenied);
+    return height;
+}
+
+/// Two files, of which the application keeps both.
+bool IsSavedTwice()
+{
+    const IO::Location location(u"./Saved.xml");
+    return Save(location, 275) && Save(location, 300) && Take(location) == 300 &&
+           Take(IO::Location(u"./Saved.xml~")) == 275;
+}
+
 /// An exception of the library is one of the application's.
 bool IsCaught()
 try
@@ -48,5 +81,5 @@ int main()
     const int height = Read(Write(messages));
     const std::string message = messages.front().ToUTF8();
     std::printf("height %d, %s", height, message.c_str());
-    return height == 275 && message.starts_with("./Scratch_") && IsCaught() ? 0 : 1;
+    return height == 275 && message.starts_with("./Scratch_") && IsSavedTwice() && IsCaught() ? 0 : 1;
 }
