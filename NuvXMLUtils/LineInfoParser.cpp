@@ -1,3 +1,4 @@
+#include "NuvRoot/SaveAndRestoreVariable.hpp"
 #include "NuvXMLUtils/ParseGuard.hpp"
 #include "NuvXMLUtils/ValidatingXMLParser.hpp"
 
@@ -11,6 +12,13 @@
 
 ValidatingXMLParser::LineInfoParser::LineInfoParser()
     : XercesDOMParser(nullptr, xercesc_3_0::XMLPlatformUtils::fgMemoryManager, nullptr)
+    , locator(getScanner()->getLocator())
+{
+}
+
+ValidatingXMLParser::LineInfoParser::LineInfoParser(xercesc_3_0::MemoryManager& memory,
+                                                    xercesc_3_0::XMLGrammarPool& schemas)
+    : XercesDOMParser(nullptr, &memory, &schemas)
     , locator(getScanner()->getLocator())
 {
 }
@@ -42,6 +50,14 @@ void ValidatingXMLParser::LineInfoParser::ForgetXMLVersion()
     // one.
     useScanner(xercesc_3_0::XMLUni::fgIGXMLScanner);
     locator = getScanner()->getLocator();
+}
+
+void ValidatingXMLParser::LineInfoParser::startDocument()
+{
+    // The document outlives the parser's memory.
+    const Nuv::SaveAndRestoreVariable<xercesc_3_0::MemoryManager*> memoryOfDocument(
+        fMemoryManager, xercesc_3_0::XMLPlatformUtils::fgMemoryManager);
+    XercesDOMParser::startDocument();
 }
 
 void ValidatingXMLParser::LineInfoParser::docCharacters(const XMLCh* chars, XMLSize_t length,

@@ -2,9 +2,11 @@
 
 #include "InputOutput/File.hpp"
 #include "NuvRoot/Exceptions.hpp"
+#include "NuvRoot/SaveAndRestoreVariable.hpp"
 #include "NuvXMLUtils/LocationInputSource.hpp"
 #include "NuvXMLUtils/OutOfMemory.hpp"
 #include "NuvXMLUtils/ParseGuard.hpp"
+#include "NuvXMLUtils/SchemaSet.hpp"
 
 #include <xercesc/dom/DOMException.hpp>
 #include <xercesc/dom/DOMImplementation.hpp>
@@ -15,7 +17,9 @@
 #include <xercesc/sax/EntityResolver.hpp>
 #include <xercesc/sax/ErrorHandler.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/util/IOException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLExceptMsgs.hpp>
 #include <xercesc/util/XMLURL.hpp>
 #include <xercesc/validators/common/Grammar.hpp>
 
@@ -180,27 +184,50 @@ ValidatingXMLParser::~ValidatingXMLParser() = default;
 /// Makes a parser where there is none; false when Xerces is not running or memory runs out.
 bool ValidatingXMLParser::EnsureParser()
 {
-    if (parser || !xercesc_3_0::DOMImplementation::getImplementation())
-        return parser != nullptr;
+    if (parser || isBusy)
+        return true;
+    if (!xercesc_3_0::DOMImplementation::getImplementation())
+        return false;
     try
     {
-        parser = std::make_unique<LineInfoParser>();
+        if (!schemas)
+            schemas = std::make_unique<NuvXML::SchemaSet>();
+        parser = schemas->MakeParser();
     }
     catch (...)
     {
-        HandleUnknownFailure();
+        ranOutOfMemory = NuvXML::IsOutOfMemory();
     }
     return parser != nullptr;
+}
+
+/// A handler or a source can call the parser that calls it.
+void ValidatingXMLParser::EnsureIdle() const
+{
+    if (isBusy)
+        throw xercesc_3_0::IOException("ValidatingXMLParser", __LINE__,
+                                       xercesc_3_0::XMLExcepts::Gen_ParseInProgress,
+                                       xercesc_3_0::XMLPlatformUtils::fgMemoryManager);
+}
+
+/// Xerces' scanner keeps its buffers, the names of elements that no schema declares, and the URIs of all
+/// namespaces, and looks new ones up among them. Documents within limits must not slow down others.
+bool ValidatingXMLParser::MayKeepParser() const
+{
+    constexpr size_t MaxBytesOfDocuments = 1'000'000;
+    return schemas->CountBytesOfDocuments() <= MaxBytesOfDocuments &&
+           (schemas->IsEmpty() || limits == ParserLimits());
 }
 
 /// Lack of memory leaves the scanner of Xerces in a state from which the next parse would crash.
 void ValidatingXMLParser::HandleUnknownFailure()
 {
     ranOutOfMemory = NuvXML::IsOutOfMemory();
-    if (!ranOutOfMemory || !parser)
+    if (!ranOutOfMemory || !schemas)
         return;
-    hasLostSchema = hasLostSchema || parser->getDoSchema();
+    hasLostSchema = hasLostSchema || !schemas->IsEmpty();
     parser.reset();
+    schemas.reset();
 }
 
 bool ValidatingXMLParser::LoadSchema(const IO::Location& schema, NodeLocationInfo* errorLocation,
@@ -215,16 +242,15 @@ bool ValidatingXMLParser::LoadSchema(const IO::Location& schema, NodeLocationInf
             failure.Write(UnknownLine, u"Could not open the XML Schema file.");
             return false;
         }
-        if (!EnsureParser())
+        if (!xercesc_3_0::DOMImplementation::getImplementation())
             throw Nuv::NuvException();
+        EnsureIdle();
+        const Nuv::SaveAndRestoreVariable<bool> busy(isBusy, true);
+        parser.reset(); // which the schemas must not have now
+        if (!schemas)
+            schemas = std::make_unique<NuvXML::SchemaSet>();
         DOMTreeErrorReporter errorReporter;
-        const CallScope call(*parser, errorReporter, nullptr, nullptr);
-        if (!parser->loadGrammar(schema.ToPath().ToUTF16(), xercesc_3_0::Grammar::SchemaGrammarType, true))
-            throw Nuv::NuvException();
-        parser->setValidationScheme(LineInfoParser::Val_Always);
-        parser->setDoSchema(true);
-        parser->setDoNamespaces(true);
-        parser->useCachedGrammarInParse(true);
+        schemas->Load(schema, errorReporter);
         hasLostSchema = false;
         return true;
     }
@@ -258,12 +284,14 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(xercesc_3_0::InputSource& s
                                                      Nuv::UniString* errorMessage)
 {
     const FailureReport failure{errorLocation, errorMessage};
-    ranOutOfMemory = false;
-    parser->SetNodeLocations(nodeLocations);
-    parser->SetParsedNodes(parsedNodes);
     NuvEntityResolver entityResolver;
+    xercesc_3_0::DOMDocument* document = nullptr;
     try
     {
+        EnsureIdle();
+        const Nuv::SaveAndRestoreVariable<bool> busy(isBusy, true);
+        parser->SetNodeLocations(nodeLocations);
+        parser->SetParsedNodes(parsedNodes);
         DOMTreeErrorReporter errorReporter(errorHandler);
         parser->reset();
         parser->ForgetXMLVersion();
@@ -275,7 +303,7 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(xercesc_3_0::InputSource& s
         const CallScope call(*parser, errorReporter, &entityResolver,
                              limits == ParserLimits() ? nullptr : &guard);
         parser->parse(source);
-        return parser->adoptDocument();
+        document = parser->adoptDocument();
     }
     catch (const xercesc_3_0::SAXParseException& exception)
     {
@@ -290,8 +318,10 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(xercesc_3_0::InputSource& s
         HandleUnknownFailure();
         failure.Write(UnknownLine, FailedToParse);
     }
-    ranOutOfMemory = ranOutOfMemory || entityResolver.RanOutOfMemory();
-    return nullptr;
+    if (parser && !isBusy && !MayKeepParser())
+        parser.reset();
+    ranOutOfMemory = ranOutOfMemory || (!document && entityResolver.RanOutOfMemory());
+    return document;
 }
 
 xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(const IO::Location& file, ValSchemes scheme,
@@ -300,6 +330,7 @@ xercesc_3_0::DOMDocument* ValidatingXMLParser::Parse(const IO::Location& file, V
                                                      Nuv::UniString* errorMessage)
 {
     const FailureReport failure{errorLocation, errorMessage};
+    ranOutOfMemory = false;
     if (hasLostSchema || !EnsureParser())
         return failure.Null(FailedToParse);
     const auto source = MakeSource<LocationInputSource>(file);
@@ -329,6 +360,7 @@ ValidatingXMLParser::ParseMemory(const unsigned char* buffer, size_t size, const
                                  Nuv::UniString* errorMessage)
 {
     const FailureReport failure{errorLocation, errorMessage};
+    ranOutOfMemory = false;
     if (hasLostSchema || !EnsureParser())
         return failure.Null(FailedToParse);
     const auto source = MakeSource<xercesc_3_0::MemBufInputSource>(buffer, size, systemId.ToUTF16());

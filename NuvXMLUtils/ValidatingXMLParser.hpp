@@ -28,10 +28,12 @@
 namespace NuvXML
 {
 class ParseGuard;
+class SchemaSet;
 struct DocumentLoader;
 } // namespace NuvXML
 
-/// A parser that can be used again and again, by one thread at a time.
+/// A parser that can be used again and again, by one thread at a time. Between two calls it keeps its schemas
+/// and at most 2 MB more, whatever the documents were.
 ///
 /// Files are read through the application's file library. Relative system ids (external entities, DTDs) name
 /// files relative to the current folder of the process; absolute URLs are fetched by Xerces.
@@ -48,9 +50,13 @@ class NUVXMLUTILS_API ValidatingXMLParser
     ~ValidatingXMLParser();
 
     /// Loads an XML Schema. From then on every Parse validates against it, whatever scheme it is given, and
-    /// processes namespaces. A failure changes nothing. The messages are Xerces', or
-    /// "Could not open the XML Schema file." and "Could not load the XML Schema.". A schema that it includes
-    /// or imports and that cannot be opened is no failure as long as nothing of it is needed.
+    /// processes namespaces. The messages are Xerces', or "Could not open the XML Schema file." and
+    /// "Could not load the XML Schema.". A schema that it includes or imports and that cannot be opened is no
+    /// failure as long as nothing of it is needed.
+    ///
+    /// A parser has one schema for each namespace. A schema from the same file, or for the same target
+    /// namespace, is replaced; then all other schemas are read from their files again, with what they include
+    /// and import. A failure, of this schema or of another that is read again, changes nothing.
     bool LoadSchema(const IO::Location& schema, NodeLocationInfo* errorLocation,
                     Nuv::UniString* errorMessage);
 
@@ -100,8 +106,8 @@ class NUVXMLUTILS_API ValidatingXMLParser
                                     Nuv::UniString* errorMessage);
 
     /// Whether the last operation failed for lack of memory, which its message does not tell. The parser can
-    /// be used again. If it had a schema it has lost it, and every Parse fails until LoadSchema has succeeded
-    /// once more.
+    /// be used again. If it had schemas it may have lost them: then every Parse fails, and this is false
+    /// while there is memory, until LoadSchema has succeeded once more.
     bool RanOutOfMemory() const { return ranOutOfMemory; }
 
   private:
@@ -118,9 +124,13 @@ class NUVXMLUTILS_API ValidatingXMLParser
                                     NodeLocationInfo* errorLocation, Nuv::UniString* errorMessage);
 
     bool EnsureParser();
+    void EnsureIdle() const;
+    bool MayKeepParser() const;
     void HandleUnknownFailure();
 
-    /// Null when Xerces is not running, and after lack of memory, which leaves a parser unfit for use.
+    std::unique_ptr<NuvXML::SchemaSet> schemas; ///< null when Xerces is not running, and after lack of memory
+
+    /// Null until it is needed: lack of memory leaves a parser unfit for use, and large documents too large.
     std::unique_ptr<LineInfoParser> parser;
 
     ParserLimits limits;
@@ -128,6 +138,7 @@ class NUVXMLUTILS_API ValidatingXMLParser
     ErrorHandler errorHandler;
     bool ranOutOfMemory = false;
     bool hasLostSchema = false;
+    bool isBusy = false;
 };
 
 /// A DOM parser that records in a NodeLocations store on which line the scanner stood when each node was made
@@ -138,6 +149,10 @@ class NUVXMLUTILS_API ValidatingXMLParser::LineInfoParser : public xercesc_3_0::
   public:
     /// Records nothing until a store is set.
     LineInfoParser();
+
+    /// A parser with memory of its own, which its documents do not use, and with schemas; neither is owned.
+    LineInfoParser(xercesc_3_0::MemoryManager& memory, xercesc_3_0::XMLGrammarPool& schemas);
+
     ~LineInfoParser() override;
 
     /// Sets the store to fill, for all parses to come; null switches recording off. The store is not owned.
@@ -157,6 +172,7 @@ class NUVXMLUTILS_API ValidatingXMLParser::LineInfoParser : public xercesc_3_0::
     /// else have the version of the one before it.
     void ForgetXMLVersion();
 
+    void startDocument() override;
     void docCharacters(const XMLCh* chars, XMLSize_t length, bool cdataSection) override;
     void docComment(const XMLCh* comment) override;
     void docPI(const XMLCh* target, const XMLCh* data) override;

@@ -12,6 +12,7 @@
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMImplementation.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/framework/XMLGrammarPoolImpl.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
@@ -65,7 +66,9 @@ inline Document BareDocument()
 
 inline void BareParse(const xercesc_3_0::InputSource& source)
 {
-    const auto parser = std::make_unique<xercesc_3_0::XercesDOMParser>();
+    auto* const memory = xercesc_3_0::XMLPlatformUtils::fgMemoryManager;
+    const auto schemas = std::make_unique<xercesc_3_0::XMLGrammarPoolImpl>(memory);
+    const auto parser = std::make_unique<xercesc_3_0::XercesDOMParser>(nullptr, memory, schemas.get());
     parser->parse(source);
     Document(parser->adoptDocument()).reset();
 }

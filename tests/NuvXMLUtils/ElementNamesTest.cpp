@@ -101,6 +101,15 @@ TEST(ElementNames, AreThoseOfOneDocumentInATreeWithASchema)
     EXPECT_FALSE(LoadTree(parser, "<e2999>one</e2999>").isLoaded);
 }
 
+TEST(ElementNames, ThatCollideAreForgottenByATreeParser)
+{
+    const NuvTest::ScratchFolder scratch;
+    ValidatingXMLParser parser;
+    parser.SetLimits(Untrusted);
+    ASSERT_TRUE(parser.LoadSchema(IO::Location(scratch.Write("a.xsd", LargeSchema())), nullptr, nullptr));
+    ExpectCollidingNamesToBeForgotten([&](const std::string& text) { return LoadTree(parser, text); });
+}
+
 /// A stream reader with a scanner of Xerces, and with a schema or without.
 struct Reader
 {

@@ -68,6 +68,86 @@ TEST(AllocationFailure, InAnErrorHandlerLosesTheSchemaUntilItIsLoadedAgain)
     EXPECT_TRUE(Parse(parser, "<a/>"));
 }
 
+constexpr std::string_view SchemaOfA =
+    "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'><xs:element name='a' type='xs:int'/></xs:schema>";
+
+TEST(AllocationFailure, IsToldOfTheLastOperationOnly)
+{
+    const NuvTest::ScratchFolder folder;
+    const IO::Location schema(folder.Write("a.xsd", SchemaOfA));
+    ValidatingXMLParser parser;
+    ASSERT_TRUE(parser.LoadSchema(schema, nullptr, nullptr));
+    parser.SetErrorHandler(ThrowLackOfMemory);
+    for (int i = 0; i < 2; ++i)
+    {
+        EXPECT_FALSE(Parse(parser, "<b/>"));
+        EXPECT_TRUE(parser.RanOutOfMemory());
+        EXPECT_FALSE(Parse(parser, "<a>1</a>")) << "for want of the schema";
+        EXPECT_FALSE(parser.RanOutOfMemory());
+        const IO::Location file(folder.Write("a.xml", "<a>1</a>"));
+        EXPECT_FALSE(Document(parser.Parse(file, ValidatingXMLParser::LineInfoParser::Val_Auto, false,
+                                           nullptr, nullptr, nullptr)));
+        EXPECT_FALSE(parser.RanOutOfMemory());
+        EXPECT_FALSE(parser.LoadSchema(IO::Location(folder.PathOf("missing")), nullptr, nullptr));
+        EXPECT_FALSE(parser.RanOutOfMemory());
+        EXPECT_FALSE(Parse(parser, "<a>1</a>"));
+        EXPECT_FALSE(parser.RanOutOfMemory());
+        ASSERT_TRUE(parser.LoadSchema(schema, nullptr, nullptr));
+        EXPECT_TRUE(Parse(parser, "<a>1</a>"));
+    }
+}
+
+/// Expects the parser to validate against SchemaOfA, or to fail until that is loaded again.
+void ExpectSchemaInForceOrLost(ValidatingXMLParser& parser, const IO::Location& schema)
+{
+    EXPECT_FALSE(Parse(parser, "<a>one</a>"));
+    EXPECT_TRUE(Parse(parser, "<a>1</a>") || parser.LoadSchema(schema, nullptr, nullptr));
+    EXPECT_TRUE(Parse(parser, "<a>1</a>"));
+    EXPECT_FALSE(Parse(parser, "<a>one</a>"));
+}
+
+TEST(AllocationFailure, OfReplacingASchemaKeepsOneOrLosesIt)
+{
+    const NuvTest::ScratchFolder folder;
+    folder.Write("b.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:b'/>");
+    const IO::Location other(folder.PathOf("b.xsd"));
+    const IO::Location schema(folder.Write("a.xsd", SchemaOfA));
+    const IO::Location copy(folder.Write("copy.xsd", SchemaOfA));
+    bool hasFailed = true;
+    for (long nth = 1; hasFailed; ++nth)
+    {
+        SCOPED_TRACE(nth);
+        ValidatingXMLParser parser;
+        ASSERT_TRUE(parser.LoadSchema(schema, nullptr, nullptr) &&
+                    parser.LoadSchema(other, nullptr, nullptr));
+        FailAt(nth, Mode::Once);
+        const bool isLoaded = parser.LoadSchema(copy, nullptr, nullptr);
+        hasFailed = Disarm();
+        ASSERT_EQ(isLoaded, !parser.RanOutOfMemory());
+        ExpectSchemaInForceOrLost(parser, schema);
+    }
+}
+
+TEST(AllocationFailure, OfAParserThatIsMadeForEachDocumentIsTold)
+{
+    const NuvTest::ScratchFolder folder;
+    const IO::Location schema(folder.Write("a.xsd", SchemaOfA));
+    bool hasFailed = true;
+    for (long nth = 1; hasFailed; ++nth)
+    {
+        SCOPED_TRACE(nth);
+        ValidatingXMLParser parser;
+        parser.SetLimits(ParserLimits::ForUntrustedInput());
+        ASSERT_TRUE(parser.LoadSchema(schema, nullptr, nullptr));
+        ASSERT_TRUE(Parse(parser, "<a>1</a>"));
+        FailAt(nth, Mode::Once);
+        const bool isLoaded = Parse(parser, "<a>2</a>") != nullptr;
+        hasFailed = Disarm();
+        ASSERT_TRUE(isLoaded || parser.RanOutOfMemory());
+        ExpectSchemaInForceOrLost(parser, schema);
+    }
+}
+
 TEST(AllocationFailure, LeavesTheParsedNodesInForce)
 {
     for (long nth = 1;; ++nth)

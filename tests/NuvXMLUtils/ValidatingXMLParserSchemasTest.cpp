@@ -206,4 +206,172 @@ TEST_F(ValidatingXMLParserTest, KeepsItsSchemaWhenAnotherFailsToLoad)
     }
 }
 
+// Schemas that are loaded again.
+
+/// Lets elements `name` of a namespace hold a type.
+std::string SchemaOf(const std::string& space, const std::string& name, const std::string& type,
+                     const std::string& imports = {})
+{
+    return "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' xmlns:b='urn:b' targetNamespace='" +
+           space + "'>" + imports + "<xs:element name='" + name + "' type='" + type + "'/></xs:schema>";
+}
+
+const std::string ImportOfB = "<xs:import namespace='urn:b' schemaLocation='b.xsd'/>";
+
+/// A schema for urn:b with a type t.
+std::string TypeOfB(const std::string& base)
+{
+    return "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:b'><xs:simpleType "
+           "name='t'>"
+           "<xs:restriction base='" +
+           base + "'/></xs:simpleType></xs:schema>";
+}
+
+constexpr char Integer[] = "<e xmlns='urn:a'>12</e>";
+constexpr char Date[] = "<e xmlns='urn:a'>2024-02-29</e>";
+
+/// Names of files are relative to its folder, which is the current one.
+class SchemasLoadedAgain : public ValidatingXMLParserTest
+{
+  protected:
+    bool Load(const char* name) { return LoadSchema(IO::Location(UniString(name))); }
+
+    void ExpectOnly(const char* valid, const char* invalid)
+    {
+        ExpectToParse(valid);
+        EXPECT_FALSE(Parse(invalid));
+    }
+
+    NuvTest::CurrentFolderScope current{scratch.Path()};
+};
+
+TEST_F(SchemasLoadedAgain, AreReplacedWhenTheirFileHasChanged)
+{
+    scratch.Write("a.xsd", SchemaOf("urn:a", "e", "xs:int"));
+    ASSERT_TRUE(Load("a.xsd"));
+    ExpectOnly(Integer, Date);
+    scratch.Write("a.xsd", SchemaOf("urn:a", "e", "xs:date"));
+    ExpectOnly(Integer, Date);
+    EXPECT_TRUE(Load("a.xsd")) << report.message;
+    ExpectOnly(Date, Integer);
+    scratch.Write("a.xsd", SchemaOf("urn:other", "e", "xs:date"));
+    EXPECT_TRUE(Load("a.xsd")) << report.message;
+    ExpectOnly("<e xmlns='urn:other'>2024-02-29</e>", Date);
+}
+
+TEST_F(SchemasLoadedAgain, AreReplacedByAnotherFileForTheirNamespace)
+{
+    scratch.Write("a.xsd", SchemaOf("urn:a", "e", "xs:int"));
+    scratch.Write("b.xsd", SchemaOf("urn:b", "e", "xs:int"));
+    scratch.Write("new.xsd", SchemaOf("urn:a", "e", "xs:date"));
+    for (const char* name : {"a.xsd", "b.xsd", "new.xsd"})
+        EXPECT_TRUE(Load(name)) << report.message;
+    ExpectOnly(Date, Integer);
+    ExpectOnly("<e xmlns='urn:b'>12</e>", "<e xmlns='urn:b'>twelve</e>");
+}
+
+TEST_F(SchemasLoadedAgain, ReadTheirImportsAgain)
+{
+    scratch.Write("b.xsd", TypeOfB("xs:int"));
+    scratch.Write("a.xsd", SchemaOf("urn:a", "e", "b:t", ImportOfB));
+    ASSERT_TRUE(Load("a.xsd")) << report.message;
+    ExpectOnly(Integer, Date);
+    scratch.Write("b.xsd", TypeOfB("xs:date"));
+    EXPECT_TRUE(Load("a.xsd")) << report.message;
+    ExpectOnly(Date, Integer);
+}
+
+TEST_F(SchemasLoadedAgain, TakeThePlaceOfWhatOthersImport)
+{
+    scratch.Write("b.xsd", TypeOfB("xs:int"));
+    scratch.Write("new.xsd", TypeOfB("xs:date"));
+    scratch.Write("a.xsd", SchemaOf("urn:a", "e", "b:t", ImportOfB));
+    ASSERT_TRUE(Load("a.xsd")) << report.message;
+    EXPECT_TRUE(Load("new.xsd")) << report.message;
+    ExpectOnly(Date, Integer);
+}
+
+TEST_F(SchemasLoadedAgain, TakeThePlaceOfWhatOthersImportNow)
+{
+    scratch.Write("b.xsd", TypeOfB("xs:int"));
+    scratch.Write("new.xsd", TypeOfB("xs:date"));
+    scratch.Write("a.xsd", SchemaOf("urn:a", "e", "xs:int"));
+    ASSERT_TRUE(Load("a.xsd")) << report.message;
+    ASSERT_TRUE(Load("new.xsd")) << report.message;
+    scratch.Write("a.xsd", SchemaOf("urn:a", "e", "b:t", ImportOfB));
+    EXPECT_TRUE(Load("new.xsd")) << report.message;
+    ExpectOnly(Date, Integer);
+}
+
+TEST_F(SchemasLoadedAgain, UseThoseBeforeThemForImportsFromNowhere)
+{
+    scratch.Write("b.xsd", TypeOfB("xs:int"));
+    scratch.Write("a.xsd", SchemaOf("urn:a", "e", "b:t", "<xs:import namespace='urn:b'/>"));
+    for (const char* name : {"b.xsd", "a.xsd", "a.xsd", "b.xsd"})
+        EXPECT_TRUE(Load(name)) << report.message;
+    ExpectOnly(Integer, Date);
+}
+
+TEST_F(SchemasLoadedAgain, AreReadFromTheSameFileInAnotherCurrentFolder)
+{
+    scratch.Write("a.xsd", SchemaOf("urn:a", "e", "xs:int"));
+    scratch.Write("b.xsd", SchemaOf("urn:b", "e", "xs:int"));
+    ASSERT_TRUE(Load("b.xsd") && Load("a.xsd"));
+    const IO::Location changed(scratch.Write("a.xsd", SchemaOf("urn:a", "e", "xs:date")));
+    const NuvTest::CurrentFolderScope elsewhere("/");
+    EXPECT_TRUE(LoadSchema(changed)) << report.message;
+    ExpectOnly(Date, Integer);
+    ExpectToParse("<e xmlns='urn:b'>12</e>");
+}
+
+TEST_F(SchemasLoadedAgain, MayHaveFailedBefore)
+{
+    for (const char* damaged :
+         {"<", "<r/>", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'><xs:nothing/>"})
+    {
+        scratch.Write("b.xsd", damaged);
+        scratch.Write("a.xsd", SchemaOf("urn:a", "e", "b:t", ImportOfB));
+        EXPECT_FALSE(Load("a.xsd"));
+        scratch.Write("b.xsd", TypeOfB("xs:int"));
+        EXPECT_TRUE(Load("a.xsd")) << report.message;
+        ExpectOnly(Integer, Date);
+    }
+}
+
+TEST_F(SchemasLoadedAgain, StayAsTheyWereWhenOneIsDamaged)
+{
+    scratch.Write("a.xsd", SchemaOf("urn:a", "e", "xs:int"));
+    ASSERT_TRUE(Load("a.xsd"));
+    scratch.Write("a.xsd", SchemaOf("urn:a", "e", "\n b:nothing"));
+    EXPECT_FALSE(Load("a.xsd"));
+    EXPECT_EQ(report.location.lineNumber, 2U);
+    ExpectOnly(Integer, Date);
+}
+
+TEST_F(SchemasLoadedAgain, StayAsTheyWereWhenOneCannotBeReadAgain)
+{
+    scratch.Write("c.xsd", SchemaOf("urn:c", "e", "xs:int"));
+    scratch.Write("b.xsd", SchemaOf("urn:b", "e", "xs:int"));
+    scratch.Write("a.xsd", SchemaOf("urn:a", "e", "xs:int"));
+    ASSERT_TRUE(Load("b.xsd") && Load("a.xsd"));
+    std::filesystem::remove(scratch.Path() / "b.xsd");
+    scratch.Write("new.xsd",
+                  SchemaOf("urn:a", "e", "xs:date", "<xs:import namespace='urn:c' schemaLocation='c.xsd'/>"));
+    EXPECT_FALSE(Load("new.xsd"));
+    ExpectReport(0, UniString(u"Could not load the XML Schema."));
+    ExpectOnly(Integer, Date);
+    ExpectOnly("<e xmlns='urn:b'>12</e>", "<e xmlns='urn:c'>12</e>");
+}
+
+TEST_F(SchemasLoadedAgain, AreNotReadForAnotherNamespace)
+{
+    scratch.Write("a.xsd", SchemaOf("urn:a", "e", "xs:int"));
+    scratch.Write("b.xsd", SchemaOf("urn:b", "e", "xs:int"));
+    ASSERT_TRUE(Load("a.xsd"));
+    std::filesystem::remove(scratch.Path() / "a.xsd");
+    EXPECT_TRUE(Load("b.xsd")) << report.message;
+    ExpectOnly(Integer, Date);
+    ExpectToParse("<e xmlns='urn:b'>12</e>");
+}
+
 } // namespace
