@@ -95,4 +95,31 @@ TEST_F(ErrorHandlerTest, EndsTheParseByThrowing)
     EXPECT_TRUE(Parses(Valid));
 }
 
+TEST_F(ErrorHandlerTest, CannotUseTheParserThatCallsIt)
+{
+    const NuvTest::ScratchFolder scratch;
+    const IO::Location schema(
+        scratch.Write("a.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'/>"));
+    NodeLocationInfo innerPlace;
+    Nuv::UniString innerMessage;
+    const std::string_view inner = "<a/>";
+    std::vector<bool> results;
+    parser.SetErrorHandler(
+        [&](const NodeLocationInfo& where, const Nuv::UniString& text)
+        {
+            Keep()(where, text);
+            results.push_back(parser.LoadSchema(schema, nullptr, nullptr));
+            results.push_back(parser.Parse(reinterpret_cast<const unsigned char*>(inner.data()), 4,
+                                           xercesc_3_0::AbstractDOMParser::Val_Auto, false,
+                                           Nuv::UniString(u"inner"), nullptr, &innerPlace,
+                                           &innerMessage) != nullptr);
+        });
+    EXPECT_TRUE(Parses("<!DOCTYPE a [<!ELEMENT a (b*)><!ELEMENT b EMPTY>]>\n<a>\n<c/>\n<d/></a>")) << message;
+    EXPECT_THAT(results, testing::Each(false));
+    EXPECT_THAT(innerMessage.ToUTF8(), testing::HasSubstr("in progress"));
+    EXPECT_THAT(errors, ElementsAre(testing::StartsWith("3: "), testing::StartsWith("4: "),
+                                    testing::StartsWith("4: ")));
+    EXPECT_TRUE(Parses(Valid));
+}
+
 } // namespace
