@@ -10,7 +10,6 @@
 #include <xercesc/dom/DOMAttr.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/dom/DOMNode.hpp>
-#include <xercesc/dom/DOMNodeFilter.hpp>
 
 #include <memory>
 #include <string_view>
@@ -18,14 +17,9 @@
 namespace NuvXML
 {
 
-class DifferenceSearch;
-class IXMLCompareOptions;
+class TreeComparison;
 class XMLNodeComparator;
 class XMLValueComparator;
-
-NUVXMLUTILS_API void DoXMLCompare(const xercesc_3_0::DOMNode* left, const xercesc_3_0::DOMNode* right,
-                                  XMLNodeComparator* comparator, xercesc_3_0::DOMNodeFilter* filter,
-                                  const IXMLCompareOptions& options);
 
 /// The decisions of a comparison. Whatever an operation throws ends the comparison and reaches its caller.
 ///
@@ -78,11 +72,8 @@ class NUVXMLUTILS_API IXMLCompareOptions : public Nuv::SharedObject
     virtual bool CanOptionsChangeAndEffectNotChildNodes() const = 0;
 
   private:
-    friend class DifferenceSearch;
+    friend class TreeComparison;
     friend class XMLNodeComparator;
-    friend void DoXMLCompare(const xercesc_3_0::DOMNode* left, const xercesc_3_0::DOMNode* right,
-                             XMLNodeComparator* comparator, xercesc_3_0::DOMNodeFilter* filter,
-                             const IXMLCompareOptions& options);
 };
 
 /// The standard options: every attribute takes part, in any order; children are paired in document order;

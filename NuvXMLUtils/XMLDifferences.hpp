@@ -24,23 +24,26 @@ struct XMLDifference
 
     /// The nodes that differ. An attribute that one side lacks is given with the element that lacks it; where
     /// one element has more children, its first child too many is given with the other element. Null for a
-    /// document without a document element, and where options tell of an attribute that a node does not have.
+    /// document without a document element, and where the options report an attribute that a node does not
+    /// have.
     const xercesc_3_0::DOMNode* left;
     const xercesc_3_0::DOMNode* right;
 };
 
-/// Takes a difference and tells whether to look for more.
+/// Takes a difference and returns whether to look for more.
 using XMLDifferenceHandler = std::function<bool(const XMLDifference&)>;
 
-/// Gives all differences between two documents to `handler`, in document order; the first is the one that
+/// Passes all differences between two documents to `handler`, in document order. The first is the one that
 /// DoXMLCompare throws with an XMLCompareStrictOrder.
 ///
 /// Children are paired by position, whatever node comparators the options make; of two elements whose names
-/// differ the contents are not compared. Slower than DoXMLCompare: where equality is likely, and is all
-/// that matters, ask that first. It takes about twice the stack of DoXMLCompare.
+/// differ the contents are not compared. A difference that the options throw is given with the nodes that
+/// were compared, or with the attributes that it names, and ends the comparison of these nodes.
+///
+/// It makes one pass over both trees, as DoXMLCompare, and needs no stack for their levels.
 /// @param filter as of DoXMLCompare
-/// @param options cloned, never changed
-/// @throws whatever the handler or the options throw, but no XMLCompareException
+/// @param options cloned, never changed; value comparators are given such a clone
+/// @throws whatever the handler throws, and what the options throw except for an XMLCompareException
 NUVXMLUTILS_API void FindDifferences(const xercesc_3_0::DOMDocument* left,
                                      const xercesc_3_0::DOMDocument* right,
                                      xercesc_3_0::DOMNodeFilter* filter, const IXMLCompareOptions& options,

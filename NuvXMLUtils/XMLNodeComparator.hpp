@@ -7,7 +7,6 @@
 
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/dom/DOMNode.hpp>
-#include <xercesc/dom/DOMText.hpp>
 #include <xercesc/dom/DOMTreeWalker.hpp>
 
 namespace NuvXML
@@ -62,8 +61,18 @@ class NUVXMLUTILS_API XMLNodeComparator
     const xercesc_3_0::DOMNode* RightNode() const { return rightNode; }
 
   private:
-    void CompareTexts(const xercesc_3_0::DOMText* left, const xercesc_3_0::DOMText* right) const;
-    void CompareOtherNodes(const xercesc_3_0::DOMNode* left, const xercesc_3_0::DOMNode* right) const;
+    friend class TreeComparison;
+
+    void Begin(xercesc_3_0::DOMTreeWalker& left, xercesc_3_0::DOMTreeWalker& right,
+               const xercesc_3_0::DOMNode* onLeft, const xercesc_3_0::DOMNode* onRight,
+               IXMLCompareOptions& options)
+    {
+        optionsInForce = &options;
+        leftWalker = &left;
+        rightWalker = &right;
+        leftNode = onLeft;
+        rightNode = onRight;
+    }
 
     IXMLCompareOptions* optionsInForce = nullptr;
     xercesc_3_0::DOMTreeWalker* leftWalker = nullptr;

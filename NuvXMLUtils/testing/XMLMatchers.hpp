@@ -246,20 +246,20 @@ class Matcher
         return false;
     }
 
-    /// A comparison throws without nodes. Options that pair children in their own way may give a difference
-    /// that a search does not find; it is told without places.
+    /// A comparison throws without nodes, which a search knows. Its first difference is another one where the
+    /// options pair children in their own way; theirs is told without places.
     void Explain(const Nuv::UniString& report, Document& expected, Document& actual,
                  testing::MatchResultListener& listener) const
     {
         listener << "which differs from the expected document:\n" << report.ToUTF8();
         SkipWhitespaceTextsCompareFilter filter;
         FindDifferences(expected.Get(), actual.Get(), &filter, *options,
-                        [&](const XMLDifference& found)
+                        [&](const XMLDifference& first)
                         {
-                            if (found.exception.GetText() != report)
-                                return true;
-                            listener << "\nexpected (left), " << expected.Describe(found.left, found.right)
-                                     << "\nactual (right), " << actual.Describe(found.right, found.left);
+                            if (first.exception.GetText() == report)
+                                listener << "\nexpected (left), "
+                                         << expected.Describe(first.left, first.right) << "\nactual (right), "
+                                         << actual.Describe(first.right, first.left);
                             return false;
                         });
     }

@@ -132,6 +132,113 @@ TEST(FindDifferences, LetsWhatTheHandlerThrowsThrough)
                  std::runtime_error);
 }
 
+TEST(FindDifferences, CallsAHandlerOnceThatThrowsADifference)
+{
+    const Document left = Parse("<a><b><c>1</c></b><d>1</d></a>");
+    const Document right = Parse("<a><b><c>2</c></b><d>2</d></a>");
+    int calls = 0;
+    const auto search = [&]
+    {
+        FindDifferences(left.get(), right.get(), nullptr, Standard,
+                        [&](const XMLDifference&) -> bool
+                        {
+                            ++calls;
+                            throw NoElementsInDocumentException(Right);
+                        });
+    };
+    EXPECT_THROW(search(), NoElementsInDocumentException);
+    EXPECT_EQ(calls, 1);
+}
+
+/// Compares values by a list of words that are equal, which only a comparator knows that finds its options.
+class WithSynonyms : public StrictOrderAutoValueCompareOptions
+{
+  public:
+    explicit WithSynonyms(std::u16string_view commaSeparatedWords)
+        : words(commaSeparatedWords)
+    {
+    }
+
+  protected:
+    WithSynonyms* Clone() const override { return new WithSynonyms(*this); }
+    XMLValueComparator* GetAttributeValueComparator(const DOMAttr*) const override { return new Comparator; }
+    XMLValueComparator* GetValueComparator() const override { return new Comparator; }
+
+  private:
+    class Comparator : public XMLValueComparator
+    {
+        bool IsEqual() const override
+        {
+            const auto& options = dynamic_cast<const WithSynonyms&>(*GetOptions());
+            return LeftValue() == RightValue() || (options.Knows(LeftValue()) && options.Knows(RightValue()));
+        }
+    };
+
+    bool Knows(std::u16string_view word) const { return words.find(word) != std::u16string_view::npos; }
+
+    std::u16string_view words;
+};
+
+TEST(FindDifferences, GivesValueComparatorsOptionsOfTheCallersClass)
+{
+    EXPECT_THAT(
+        Differences("<a x='red'><b>pink</b><b>blue</b></a>", "<a x='scarlet'><b>red</b><b>red</b></a>",
+                    WithSynonyms(u"red,scarlet,pink")),
+        ElementsAre(R"(/a/b[2]/text() /a/b[2]/text() Text node values "blue" and "red" don't match.)"));
+}
+
+TEST(FindDifferences, LooksAtEachAttributeOnceHoweverManyDiffer)
+{
+    class Counting : public StrictOrderAutoValueCompareOptions
+    {
+      public:
+        explicit Counting(int& counter)
+            : count(counter)
+        {
+        }
+
+      protected:
+        Counting* Clone() const override { return new Counting(*this); }
+        bool AcceptAttribute(const DOMAttr*) const override
+        {
+            ++count;
+            return true;
+        }
+
+      private:
+        int& count;
+    };
+    const auto elementWith = [](const std::string& value)
+    {
+        std::string text = "<e";
+        for (int i = 0; i < 1'000; ++i)
+            text += " a" + std::to_string(i) + "='" + value + "'";
+        return text + "/>";
+    };
+    int looks = 0;
+    EXPECT_EQ(Differences(elementWith("1"), elementWith("2"), Counting(looks)).size(), 1'000u);
+    EXPECT_EQ(looks, 1'000);
+}
+
+TEST(FindDifferences, GoesOnBehindNodesAboutWhichTheOptionsThrow)
+{
+    /// Throws where the left node has the attribute `no`.
+    class Refusing : public StrictOrderAutoValueCompareOptions
+    {
+        Refusing* Clone() const override { return new Refusing(*this); }
+        bool AreNodeNamesEqual(const DOMNode* left, const DOMNode* right) const override
+        {
+            if (static_cast<const DOMElement*>(left)->hasAttribute(u"no"))
+                throw XMLCompareException(left, right);
+            return StrictOrderAutoValueCompareOptions::AreNodeNamesEqual(left, right);
+        }
+    };
+    constexpr const char* Text = "<a><b><c no=''><d no=''/></c><c/></b><b no=''/></a>";
+    EXPECT_THAT(
+        Differences(Text, Text, Refusing()),
+        ElementsAre("/a/b[1]/c[1] /a/b[1]/c[1] Undefined problem.", "/a/b[2] /a/b[2] Undefined problem."));
+}
+
 TEST(FindDifferences, HidesWhatTheFilterHides)
 {
     SkipWhitespaceTextsCompareFilter filter;

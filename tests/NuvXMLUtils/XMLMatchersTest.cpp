@@ -213,6 +213,13 @@ TEST(EqualsXML, TellsADifferenceThatOnlyTheOptionsFindWithoutPlaces)
               "\t- a/b/c\n"
               "\t- a/b/c\n"
               "\tText node values \"2\" and \"3\" don't match.");
+    EXPECT_EQ(Explanation(EqualsXML("<a><b><c>5</c><c>2</c><c>2</c></b></a>", CrosswiseOptions()),
+                          "<a><b><c>1</c><c>1</c><c>1</c></b></a>"),
+              "which differs from the expected document:\n"
+              "Diff at nodes:\n"
+              "\t- a/b/c\n"
+              "\t- a/b/c\n"
+              "\tText node values \"2\" and \"1\" don't match.");
 }
 
 TEST(EqualsXML, TellsWhichTextIsNotWellFormed)
