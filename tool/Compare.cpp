@@ -7,15 +7,15 @@
 #include "Progress.hpp"
 #include "Trouble.hpp"
 
-#include "NuvXMLUtils/XMLCompare.hpp"
 #include "NuvXMLUtils/XMLDifferences.hpp"
 
-#include <exception>
 #include <future>
 #include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
+
+using xercesc_3_0::DOMDocument;
 
 namespace Tool
 {
@@ -33,26 +33,13 @@ class FileComparison
     {
     }
 
-    /// Whether two files are equal; reports their differences.
+    /// Whether two files are equal; reports their differences. Both are read at once, because parsing takes
+    /// most of the time. When neither can be read, the trouble of the left one is reported.
     bool AreEqual(const std::string& leftPath, const std::string& rightPath)
     {
-        // Both at once: to parse them takes most of the time.
-        std::future<std::unique_ptr<Document>> leftRead =
-            std::async(std::launch::async, [&] { return Read(leftPath); });
-        std::unique_ptr<Document> right;
-        std::exception_ptr rightTrouble;
-        try
-        {
-            right = Read(rightPath);
-        }
-        catch (...)
-        {
-            rightTrouble = std::current_exception();
-        }
-        const std::unique_ptr<Document> left = leftRead.get();
-        if (rightTrouble)
-            std::rethrow_exception(rightTrouble);
-        return AreEqual(*left, *right);
+        auto right = std::async(std::launch::async, [&] { return Read(rightPath); });
+        const std::unique_ptr<Document> left = Read(leftPath);
+        return AreEqual(*left, *right.get());
     }
 
   private:
@@ -72,23 +59,21 @@ class FileComparison
 
     bool AreEqual(Document& left, Document& right)
     {
-        try
+        bool areEqual = true;
+        const NuvXML::XMLDifferenceHandler report = [&](const NuvXML::XMLDifference& difference)
         {
-            NuvXML::XMLCompareStrictOrder comparator;
-            NuvXML::DoXMLCompare(&left.DOM(), &right.DOM(), &comparator, Filter(), rules);
-            return true;
-        }
-        catch (const NuvXML::XMLCompareException&)
-        {
-            // The search below knows the nodes too.
-        }
-        NuvXML::FindDifferences(&left.DOM(), &right.DOM(), Filter(), rules,
-                                [&](const NuvXML::XMLDifference& difference)
-                                {
-                                    reporter.Report(difference, left, right);
-                                    return settings.all;
-                                });
-        return false;
+            reporter.Report(difference, left, right);
+            areEqual = false;
+            return settings.all;
+        };
+        const DOMDocument& leftDocument = left.DOM();
+        const DOMDocument& rightDocument = right.DOM();
+        const bool goesOn = !settings.comments || rules.CompareProlog(leftDocument, rightDocument, report);
+        if (goesOn)
+            NuvXML::FindDifferences(&leftDocument, &rightDocument, Filter(), rules, report);
+        if (settings.comments && (areEqual || settings.all))
+            rules.CompareEpilog(leftDocument, rightDocument, report);
+        return areEqual;
     }
 
     const CompareSettings& settings;

@@ -2,11 +2,13 @@
 
 #include <xercesc/util/XMLString.hpp>
 
+#include <algorithm>
 #include <typeinfo>
 #include <utility>
 
 using namespace NuvXML;
 using xercesc_3_0::DOMAttr;
+using xercesc_3_0::DOMDocument;
 using xercesc_3_0::DOMElement;
 using xercesc_3_0::DOMNode;
 
@@ -27,6 +29,17 @@ std::unique_ptr<XMLValueComparator> WithCase(std::unique_ptr<XMLValueComparator>
     return comparator;
 }
 
+/// The comments and processing instructions among `node` and its next siblings, up to the document element.
+std::vector<const DOMNode*> NodesFrom(const DOMNode* node)
+{
+    std::vector<const DOMNode*> nodes;
+    for (; node && node->getNodeType() != DOMNode::ELEMENT_NODE; node = node->getNextSibling())
+        if (node->getNodeType() == DOMNode::COMMENT_NODE ||
+            node->getNodeType() == DOMNode::PROCESSING_INSTRUCTION_NODE)
+            nodes.push_back(node);
+    return nodes;
+}
+
 } // namespace
 
 xercesc_3_0::DOMNodeFilter::FilterAction CommentsFilter::acceptNode(const DOMNode* node) const
@@ -42,6 +55,49 @@ CompareRules::CompareRules(const CompareSettings& settings)
         chosen.ignoredAttributes.insert(Nuv::UniString::FromUTF8(name));
     choices = std::make_shared<const Choices>(std::move(chosen));
     SetDoubleEps(settings.epsilon);
+}
+
+bool CompareRules::CompareProlog(const DOMDocument& left, const DOMDocument& right,
+                                 const XMLDifferenceHandler& report)
+{
+    return CompareOutside(left, NodesFrom(left.getFirstChild()), right, NodesFrom(right.getFirstChild()),
+                          report);
+}
+
+bool CompareRules::CompareEpilog(const DOMDocument& left, const DOMDocument& right,
+                                 const XMLDifferenceHandler& report)
+{
+    return CompareOutside(left, NodesFrom(left.getDocumentElement()->getNextSibling()), right,
+                          NodesFrom(right.getDocumentElement()->getNextSibling()), report);
+}
+
+bool CompareRules::CompareOutside(const DOMDocument& left, const Nodes& leftNodes, const DOMDocument& right,
+                                  const Nodes& rightNodes, const XMLDifferenceHandler& report)
+{
+    const size_t pairs = std::min(leftNodes.size(), rightNodes.size());
+    for (size_t i = 0; i < pairs; ++i)
+        try
+        {
+            ComparePair(leftNodes[i], rightNodes[i]);
+        }
+        catch (const XMLCompareException& difference)
+        {
+            if (!report({difference, leftNodes[i], rightNodes[i]}))
+                return false;
+        }
+    if (leftNodes.size() == rightNodes.size())
+        return true;
+    const bool isMoreOnLeft = leftNodes.size() > pairs;
+    return report({OneNodeHasMoreChildrenThanTheOtherException(
+                       &left, &right, isMoreOnLeft ? XMLCompareException::Left : XMLCompareException::Right),
+                   isMoreOnLeft ? leftNodes[pairs] : &left, isMoreOnLeft ? &right : rightNodes[pairs]});
+}
+
+void CompareRules::ComparePair(const DOMNode* left, const DOMNode* right)
+{
+    if (left->getNodeType() != right->getNodeType())
+        throw NodeTypesDontMatchException(left, right);
+    CompareSpecialTypeNodes(left, right);
 }
 
 CompareRules* CompareRules::Clone() const { return new CompareRules(*this); }

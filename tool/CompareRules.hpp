@@ -6,8 +6,12 @@
 
 #include "NuvRoot/Containers.hpp"
 #include "NuvXMLUtils/XMLCompare.hpp"
+#include "NuvXMLUtils/XMLDifferences.hpp"
+
+#include <xercesc/dom/DOMDocument.hpp>
 
 #include <memory>
+#include <vector>
 
 namespace Tool
 {
@@ -25,6 +29,15 @@ class CompareRules : public NuvXML::AttrRuledCompareOptions
   public:
     explicit CompareRules(const CompareSettings& settings);
 
+    /// Compares the comments and processing instructions before the document elements, by position.
+    /// @return whether `report` wants more
+    bool CompareProlog(const xercesc_3_0::DOMDocument& left, const xercesc_3_0::DOMDocument& right,
+                       const NuvXML::XMLDifferenceHandler& report);
+
+    /// The same after the document elements.
+    bool CompareEpilog(const xercesc_3_0::DOMDocument& left, const xercesc_3_0::DOMDocument& right,
+                       const NuvXML::XMLDifferenceHandler& report);
+
   protected:
     CompareRules* Clone() const override;
     bool AcceptAttribute(const xercesc_3_0::DOMAttr* attribute) const override;
@@ -40,6 +53,13 @@ class CompareRules : public NuvXML::AttrRuledCompareOptions
     bool CanOptionsChangeAndEffectNotChildNodes() const override;
 
   private:
+    using Nodes = std::vector<const xercesc_3_0::DOMNode*>;
+
+    bool CompareOutside(const xercesc_3_0::DOMDocument& left, const Nodes& leftNodes,
+                        const xercesc_3_0::DOMDocument& right, const Nodes& rightNodes,
+                        const NuvXML::XMLDifferenceHandler& report);
+    void ComparePair(const xercesc_3_0::DOMNode* left, const xercesc_3_0::DOMNode* right);
+
     /// Shared by all clones.
     struct Choices
     {

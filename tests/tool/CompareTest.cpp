@@ -179,6 +179,55 @@ TEST_F(CompareTest, ComparesCommentsAndInstructionsWhenAskedTo)
     EXPECT_EQ(StatusOf("<a><?p x?></a>", "<a><?q x?></a>", comments), Findings);
 }
 
+TEST_F(CompareTest, ComparesCommentsOutsideTheDocumentElement)
+{
+    const std::vector<std::string> comments{"--comments"};
+    EXPECT_EQ(StatusOf("<!--b--><?p x?><a/><!--e-->", "<a/>"), Success);
+    EXPECT_EQ(StatusOf("<!--b--><?p x?><a/><!--e-->", "<!-- B --><?p x?>\n<a/>\n<!--e-->", comments),
+              Success);
+    EXPECT_EQ(StatusOf("<!--b--><a/>", "<!--c--><a/>", comments), Findings);
+    EXPECT_EQ(StatusOf("<?p x?><a/>", "<?q x?><a/>", comments), Findings);
+    EXPECT_EQ(StatusOf("<!--b--><a/>", "<?b?><a/>", comments), Findings);
+    EXPECT_EQ(StatusOf("<!--b--><a/>", "<a/><!--b-->", comments), Findings);
+    EXPECT_EQ(StatusOf("<a/><!--e-->", "<a/>", comments), Findings);
+    EXPECT_EQ(StatusOf("<a/><!--e-->", "<a/><!--f-->", comments), Findings);
+}
+
+TEST_F(CompareTest, ReportsDifferencesOutsideInDocumentOrder)
+{
+    const auto kindsOf = [&](const std::vector<std::string>& more)
+    {
+        std::vector<std::string> options{"--comments", "--format", "json"};
+        options.insert(options.end(), more.begin(), more.end());
+        std::string kinds;
+        std::istringstream objects(Compare("<!--b--><a x='1'/><!--e-->", "<?b?><a x='2'/>", options).output);
+        for (std::string line; std::getline(objects, line);)
+            kinds += nlohmann::json::parse(line)["kind"].get<std::string>() + " ";
+        return kinds;
+    };
+    EXPECT_EQ(kindsOf({"--all"}), "node-type attribute-value more-children ");
+    EXPECT_EQ(kindsOf({}), "node-type ");
+}
+
+TEST_F(CompareTest, ComparesDocumentsOfAnyDepth)
+{
+    const auto nested = [](const std::string& innermost)
+    {
+        std::string text;
+        for (const char* tag : {"<a>", "</a>"})
+        {
+            for (int level = 0; level < 100'000; ++level)
+                text += tag;
+            if (tag[1] != '/')
+                text += innermost;
+        }
+        return text;
+    };
+    EXPECT_EQ(StatusOf(nested("<b/>"), nested("<b/>"), {"--trusted"}), Success);
+    EXPECT_EQ(StatusOf(nested("<b/>"), nested("<c/>"), {"--trusted"}), Findings);
+    EXPECT_EQ(StatusOf(nested("<b/>"), nested("<c/>"), {"--trusted", "--all"}), Findings);
+}
+
 TEST_F(CompareTest, ComparesWhatCDATASectionsHold)
 {
     EXPECT_EQ(StatusOf("<a><![CDATA[<1>]]></a>", "<a> <![CDATA[<1>]]></a>"), Success);
