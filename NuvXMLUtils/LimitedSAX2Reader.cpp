@@ -281,7 +281,8 @@ class LimitedSAX2Reader : public SAX2XMLReaderImpl
                                          XMLUni::fgXercesSkipDTDValidation,
                                          XMLUni::fgXercesHandleMultipleImports};
         bool values[std::size(features)];
-        std::ranges::transform(features, values, [this](const XMLCh* name) { return getFeature(name); });
+        std::transform(std::begin(features), std::end(features), values,
+                       [this](const XMLCh* name) { return getFeature(name); });
         auto lowWaterMark = *static_cast<const XMLSize_t*>(getProperty(XMLUni::fgXercesLowWaterMark));
         setProperty(XMLUni::fgXercesScannerName, getProperty(XMLUni::fgXercesScannerName));
         for (size_t i = 0; i < std::size(features); ++i)

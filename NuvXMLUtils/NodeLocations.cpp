@@ -14,7 +14,8 @@ NodeLocations& NodeLocations::operator=(NodeLocations&& other) noexcept
     Clear();
     first = std::move(other.first);
     last = std::exchange(other.last, nullptr);
-    usedInLast = std::exchange(other.usedInLast, BlockSize);
+    usedInLast = other.usedInLast;
+    other.usedInLast = BlockSize;
     return *this;
 }
 

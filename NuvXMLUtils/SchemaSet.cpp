@@ -99,7 +99,8 @@ void SchemaSet::Load(const IO::Location& file, xercesc_3_0::ErrorHandler& errorH
 {
     pool->documentURIs.reset();
     Schema schema{AbsolutePath(file), {}};
-    auto replaced = std::ranges::find(schemas, schema.path, &Schema::path);
+    auto replaced = std::find_if(schemas.begin(), schemas.end(),
+                                 [&](const Schema& loaded) { return loaded.path == schema.path; });
     if (replaced == schemas.end())
     {
         if (Add(*pool, file.ToPath(), schema, errorHandler))
@@ -107,7 +108,9 @@ void SchemaSet::Load(const IO::Location& file, xercesc_3_0::ErrorHandler& errorH
             schemas.push_back(std::move(schema));
             return;
         }
-        replaced = std::ranges::find(schemas, schema.targetNamespace, &Schema::targetNamespace);
+        replaced = std::find_if(schemas.begin(), schemas.end(),
+                                [&](const Schema& loaded)
+                                { return loaded.targetNamespace == schema.targetNamespace; });
     }
     std::vector<Schema> wanted = schemas;
     const auto place = wanted.begin() + (replaced - schemas.begin());

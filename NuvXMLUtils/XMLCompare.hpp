@@ -7,7 +7,7 @@
 /// It has a stack of its own for the levels of the trees, which may be as deep as memory holds. It recurses
 /// once for each node comparator that the options make of a class other than XMLCompareStrictOrder. A level
 /// then takes up to 400 bytes of stack in an optimised build, so that 8 MB hold 20,000 levels, and up to
-/// 1,300 bytes with the address sanitizer, 6,000 levels. What the operations of your own classes take comes
+/// 1,500 bytes with the address sanitizer, 5,500 levels. What the operations of your own classes take comes
 /// on top.
 #pragma once
 

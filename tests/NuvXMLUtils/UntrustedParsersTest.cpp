@@ -411,6 +411,7 @@ TEST(UntrustedStream, KeepsItsLimitsWhateverResolverIsSet)
 
 TEST(UntrustedStream, AsksTheLastResolverWithinItsLimits)
 {
+    const NuvTest::XercesLeakScope leaks;
     const auto reader = NuvXML::CreateSAX2Reader(OneLevel());
     CountingHandler handler;
     CountingResolver resolver;
