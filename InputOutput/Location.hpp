@@ -50,8 +50,8 @@ class INPUTOUTPUT_API Location
     /// The last name of the path; false, with `name` untouched, when there is none.
     bool GetLastLocalName(Name& name) const;
 
-    /// Where the last name is: `.` for a name alone. False, with `folder` untouched, when there is no last
-    /// name.
+    /// The path without its last name, and "." when the last name is all of it. False, with `folder`
+    /// untouched, when there is no last name.
     bool GetFolder(Location& folder) const;
 
     friend bool operator==(const Location& left, const Location& right) { return left.path == right.path; }
