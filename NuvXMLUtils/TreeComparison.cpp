@@ -78,10 +78,9 @@ template <class Difference, class... Arguments>
 [[gnu::cold]] void Report(DifferenceSink* sink, const DOMNode* left, const DOMNode* right,
                           const Arguments&... arguments)
 {
-    const Difference difference(arguments...);
     if (!sink)
-        throw difference;
-    sink->Take(difference, left, right);
+        throw Difference(arguments...);
+    sink->Take(Difference(arguments...), left, right);
 }
 
 /// Null for a node that has no such attribute, or is not an element.
