@@ -33,9 +33,10 @@ class NUVXMLUTILS_API NodePlaces
     static constexpr size_t MaxPathLength = 300;
 
     /// The path of a node as an XPath expression that selects it, such as
-    /// `/Project/Storey[2]/Wall[7]/@height` or `/Project/Name/text()`. A position stands where siblings share
-    /// a name. Names are those of the document, prefix included. `/` for a document, empty for null. What is
-    /// longer than MaxPathLength is no expression any more, but `...` and the last steps.
+    /// `/Project/Storey[2]/Wall[7]/@height` or `/Project/Name/text()`. A step has a position when siblings
+    /// share its name. Names are those of the document, with prefixes: the expression does not select the
+    /// node where a default namespace applies, nor below an entity reference. `/` for a document, empty for
+    /// null. What is longer than MaxPathLength is no expression any more, but `...` and the last steps.
     Nuv::UniString PathOf(const xercesc_3_0::DOMNode* node);
 
     /// The line, counted from 1, on which a start tag ends, or on which text ends but for white space; for an
@@ -43,8 +44,9 @@ class NUVXMLUTILS_API NodePlaces
     /// has that of its parent. 0 when nothing is known.
     unsigned int LineOf(const xercesc_3_0::DOMNode* node);
 
-    /// The line on which a character of a text stands; wrong only before an entity reference whose
-    /// replacement has line ends.
+    /// The line of a character of a text. It may be wrong before an entity reference whose replacement has
+    /// line ends, in text that holds line feeds as references, and in text that touches a comment or an
+    /// instruction of several lines that has no node.
     /// @param offset of the character in the node's value
     unsigned int LineOf(const xercesc_3_0::DOMText* text, size_t offset);
 
